@@ -1,0 +1,42 @@
+# SPDX-FileCopyrightText: 2026 The KRAVOLTIX developers
+# SPDX-License-Identifier: CC0-1.0
+
+# The colours of everything that lies on the glass in front of the fight. Each group is a ramp; the
+# names say what the player reads by it.
+
+import numpy as np
+
+
+def colour(text):
+    """Display values (0 to 1) of a colour written as six hexadecimal digits."""
+    return np.array([int(text[i:i + 2], 16) for i in (0, 2, 4)]) / 255.0
+
+
+def ramp(*texts):
+    """The colours of a ramp, one per row."""
+    return np.array([colour(text) for text in texts])
+
+
+# Chrome: the sky is reflected from the top down, below the horizon the ground is light again.
+ICE = ramp("f4fdff", "a6dcfb", "5eaee8", "b4e6ff")
+# The frame rate's label, dimmer than its digits: the figure is read, not its name.
+DIM_ICE = ramp("9cc8e4", "6ca4cc", "3f7db4", "6ea8d2")
+GOLD = ramp("fff3c8", "ffdf86", "f4b63c", "ffd25c", "ffe49a")
+
+# Letters and lines throw this, so that they keep an edge over fire.
+SHADOW = colour("02060e")
+SHADOW_ALPHA = 0.72
+
+# Comet behind the typing cursor, from its head to where it is lost.
+COMET = ramp("ffffff", "8ceaff", "2aa6ec", "1b7ad6", "155fc0", "114ca8", "0e3e92", "0c327c", "0a2868",
+             "082058")
+COMET_ALPHA = (1.0, 0.86, 0.70, 0.56, 0.44, 0.34, 0.25, 0.17, 0.10, 0.05)
+
+# Target marks, from the outer edge inwards.
+MARK = ramp("c8ff9c", "46e83c")
+
+# The eight energy segments from the top, then the last row. The warning comes with the red ones.
+ENERGY = ramp("18e05c", "34e848", "74ec30", "c4ee20", "ffe81c", "ffae14", "ff3c1c", "f81c1c", "f81c1c")
+
+LASER_CORE, LASER_BODY, LASER_EDGE = ramp("ffffff", "5cf4ff", "1c7cff")
+PLASMA = ramp("fff0ff", "ff2cc8", "b0089c", "3a0040")
