@@ -183,9 +183,12 @@ void EnemyShip::makeNextReady(int slot) {
         if (y > static_cast<float>(nextShotY[slot]) && !shotActive[slot + 1]) {
             shotReady[slot + 1] = true;
         }
-    } else if (y > static_cast<float>(shotLimitY[slot] / maxShot) && !shotActive[0]) {
-        // The last slot goes by its share of the absolute limit, so the chain starts anew early
-        // when the ship flies low. With a single slot this never holds: one shot in a life.
+        return;
+    }
+    // The last slot goes by its share of the absolute limit, so the chain starts anew early when the
+    // ship flies low. With a single slot this never holds: one shot in a life.
+    const int restartY = shotLimitY[slot] / maxShot;
+    if (y > static_cast<float>(restartY) && !shotActive[0]) {
         shotReady[0] = true;
     }
 }
