@@ -1,0 +1,223 @@
+// SPDX-FileCopyrightText: 2026 The KRAVOLTIX developers
+// SPDX-License-Identifier: CC0-1.0
+#include "camera.h"
+
+#include <cmath>
+
+namespace {
+
+// gas
+constexpr float EXTINCTION = 0.55f;    // per px at soot 1
+constexpr float TEAR_FROM = 22.0f;     // picture from which weak smoke tears
+constexpr float TEAR_TO = 43.5f;       // and at which the strongest is gone
+constexpr float TEAR_EDGE = 0.30f;     // strength over which smoke goes from clear to full
+constexpr float RIM_FROM_PX = 32.0f;
+constexpr float RIM_RATE = 0.14f;
+
+// light; directions point to the lamp, x right, y down, z to the viewer
+constexpr float KEY_X = -0.44f;
+constexpr float KEY_Y = -0.60f;
+constexpr float KEY_Z = 0.66f;
+constexpr float KEY_SHADOW = 0.5f;    // share of the extinction that the key light feels
+const Vec4 KEY_COLOUR = {1.0f, 0.90f, 0.76f, 0.0f};
+const Vec4 SKY_COLOUR = {0.22f, 0.24f, 0.30f, 0.0f};
+const Vec4 GLOW_COLOUR = {1.0f, 0.26f, 0.04f, 0.0f};
+const Vec4 SMOKE_COLOUR = {0.085f, 0.066f, 0.060f, 0.0f};
+constexpr float GLOW_GAIN = 0.9f;
+constexpr float GLOW_WIDTH_CELLS = 4;
+constexpr float SKY_WIDTH_CELLS = 5;
+
+// Fire by heat: display colours over black, turned to linear light once.
+struct Shade {
+    float heat;
+    float red, green, blue;
+};
+const Shade FIRE[] = {
+    {0.00f, 0.000f, 0.000f, 0.000f}, {0.14f, 0.060f, 0.008f, 0.004f},
+    {0.26f, 0.400f, 0.070f, 0.010f}, {0.38f, 0.720f, 0.200f, 0.015f},
+    {0.50f, 0.960f, 0.400f, 0.030f}, {0.62f, 1.000f, 0.600f, 0.090f},
+    {0.76f, 1.000f, 0.800f, 0.280f}, {0.90f, 1.000f, 0.940f, 0.600f},
+    {1.05f, 1.000f, 1.000f, 0.920f},
+};
+constexpr int FIRE_STEPS = 256;
+constexpr float FIRE_TOP = 1.05f;
+
+// rays
+constexpr int RAYS = 3;            // per pixel, both ways
+constexpr float STRIDE_PX = 0.6f;
+constexpr float DARK = 0.004f;     // what is hidden this well is not looked at any more
+
+constexpr int N = Gas::CELLS;
+constexpr float H = Gas::CELL_PX;
+constexpr int ROW = N;
+constexpr int SHEET = N * N;
+
+float toLinear(float display) {
+    return display <= 0.04045f ? display / 12.92f
+                               : static_cast<float>(std::pow((display + 0.055) / 1.055, 2.4));
+}
+
+struct FireTable {
+    Vec4 of[FIRE_STEPS];
+    FireTable() {
+        int entry = 0;
+        for (int i = 0; i < FIRE_STEPS; ++i) {
+            const float heat = FIRE_TOP * static_cast<float>(i) / (FIRE_STEPS - 1);
+            while (heat > FIRE[entry + 1].heat + 1e-6f) {
+                ++entry;
+            }
+            const Shade& a = FIRE[entry];
+            const Shade& b = FIRE[entry + 1];
+            const float t = (heat - a.heat) / (b.heat - a.heat);
+            of[i] = vec4(toLinear(a.red + (b.red - a.red) * t),
+                         toLinear(a.green + (b.green - a.green) * t),
+                         toLinear(a.blue + (b.blue - a.blue) * t));
+        }
+    }
+};
+
+const FireTable fire;
+
+Vec4 fireColour(float heat) {
+    const float at = heat / FIRE_TOP * (FIRE_STEPS - 1);
+    const int i = at < 0.0f ? 0 : at > FIRE_STEPS - 1 ? FIRE_STEPS - 1 : static_cast<int>(at);
+    return fire.of[i];
+}
+
+// Share of light left after an optical depth: exp(-depth) to four digits, by plain arithmetic.
+float left(float depth) {
+    const float d = depth * 0.125f;
+    float share = 1.0f / (1.0f + d * (1.0f + d * (0.5f + d * (1.0f / 6.0f + d / 24.0f))));
+    share *= share;
+    share *= share;
+    return share * share;
+}
+
+// Running mean of `width` cells each way along one axis.
+void blurAxis(std::vector<float>& field, int stride, int width) {
+    float line[N];
+    for (int i = 0; i < N * SHEET; ++i) {
+        if (i / stride % N != 0) {
+            continue;
+        }
+        float sum = 0.0f;
+        for (int j = 0; j < N; ++j) {
+            line[j] = field[i + j * stride];
+        }
+        for (int j = -width; j < N; ++j) {
+            sum += j + width < N ? line[j + width] : 0.0f;
+            sum -= j - width - 1 >= 0 ? line[j - width - 1] : 0.0f;
+            if (j >= 0) {
+                field[i + j * stride] = sum / static_cast<float>(2 * width + 1);
+            }
+        }
+    }
+}
+
+void blur(std::vector<float>& field, int width) {
+    for (int pass = 0; pass < 2; ++pass) {
+        blurAxis(field, 1, width);
+        blurAxis(field, ROW, width);
+        blurAxis(field, SHEET, width);
+    }
+}
+
+}  // namespace
+
+Camera::Camera()
+    : body(N * SHEET, all(0.0f)), around(N * SHEET, all(0.0f)), haze(N * SHEET, 0.0f) {
+}
+
+void Camera::castShadows() {
+    // The light comes from the front, so each sheet of cells gets what the sheet before it lets by.
+    const float across = KEY_X / KEY_Z;
+    const float down = KEY_Y / KEY_Z;
+    const float length = H / KEY_Z;
+    for (int z = N - 1; z >= 0; --z) {
+        for (int y = 0; y < N; ++y) {
+            for (int x = 0; x < N; ++x) {
+                const int i = z * SHEET + y * ROW + x;
+                const Vec4 before = vec4(static_cast<float>(x) + across,
+                                         static_cast<float>(y) + down, static_cast<float>(z + 1));
+                if (z == N - 1 || before[0] < 0.0f || before[1] < 0.0f) {
+                    body[i][2] = 1.0f;
+                    continue;
+                }
+                const Vec4 there = between(body, before);
+                body[i][2] = there[2] * left(there[0] * KEY_SHADOW * length);
+            }
+        }
+    }
+}
+
+void Camera::spreadGlow() {
+    for (int i = 0; i < N * SHEET; ++i) {
+        haze[i] = fireColour(body[i][1])[0] * body[i][0];
+    }
+    blur(haze, GLOW_WIDTH_CELLS);
+    for (int i = 0; i < N * SHEET; ++i) {
+        body[i][3] = haze[i];
+        haze[i] = body[i][0];
+    }
+    blur(haze, SKY_WIDTH_CELLS);
+    for (int i = 0; i < N * SHEET; ++i) {
+        around[i][0] = 1.0f / (1.0f + 6.0f * haze[i] * haze[i]/ (EXTINCTION*EXTINCTION));
+    }
+}
+
+void Camera::lightTheGas(const Gas& gas, float time) {
+    const float age = time > TEAR_FROM ? (time - TEAR_FROM) / (TEAR_TO - TEAR_FROM) : 0.0f;
+    const float torn = (1.0f + TEAR_EDGE) * age - TEAR_EDGE;
+    const float thickness = EXTINCTION * (1.0f - 0.7f * age);
+    for (int i = 0; i < N * SHEET; ++i) {
+        const Vec4 place = cellPlace(i % N, i / ROW % N, i / SHEET);
+        const float rim = std::sqrt(dot3(place, place)) - RIM_FROM_PX;
+        const float soot = gas.cargo[i][SOOT] - (rim > 0.0f ? rim * RIM_RATE : 0.0f);
+        float whole = age > 0.0f ? (gas.cargo[i][STRENGTH] - torn) / TEAR_EDGE : 1.0f;
+        whole = whole < 0.0f ? 0.0f : whole > 1.0f ? 1.0f : whole;
+        body[i] = vec4(soot > 0.0f ? soot * whole * thickness : 0.0f, gas.cargo[i][HEAT], 1.0f);
+    }
+    castShadows();
+    spreadGlow();
+}
+
+Vec4 Camera::lookAlong(float x, float y) const {
+    Vec4 seen = all(0.0f);
+    float clear = 1.0f;
+    const float half = 0.5f * Gas::CUBE_PX;
+    const float reach = std::sqrt(half * half - x * x - y * y);
+    for (float z = reach; z > -reach && clear > DARK; z -= STRIDE_PX) {
+        const Vec4 cell = (vec4(x, y, z) + all(half)) / all(H) - all(0.5f);
+        const Vec4 b = between(body, cell);
+        if (b[0] < 1e-4f) {
+            continue;
+        }
+        const Vec4 a = between(around, cell);
+        const float stays = left(b[0] * STRIDE_PX);
+        const Vec4 smoke = SMOKE_COLOUR * (KEY_COLOUR * all(1.6f * b[2]) + SKY_COLOUR * all(a[0]) +
+                                           GLOW_COLOUR * all(GLOW_GAIN * b[3] * 10.0f));
+        const Vec4 flame = fireColour(b[1] * (0.62f + 0.3f * b[2] + 0.2f * a[0]));
+        seen += (flame + smoke * all(b[1] < 0.5f ? 1.0f - 2.0f * b[1] : 0.0f)) * all(clear * (1.0f - stays));
+        clear *= stays;
+    }
+    seen[3] = 1.0f - clear;
+    return seen;
+}
+
+std::vector<Vec4> Camera::photograph(const Gas& gas, float time) {
+    lightTheGas(gas, time);
+    std::vector<Vec4> picture(WIDTH * WIDTH, all(0.0f));
+    const float reach = 0.5f * Gas::CUBE_PX - 1.0f;
+    for (int i = 0; i < WIDTH * WIDTH; ++i) {
+        for (int ray = 0; ray < RAYS * RAYS; ++ray) {
+            const float dx = (static_cast<float>(ray % RAYS) + 0.5f) / RAYS - 0.5f;
+            const float dy = (static_cast<float>(ray / RAYS) + 0.5f) / RAYS - 0.5f;
+            const float x = static_cast<float>(i % WIDTH - MIDDLE_PIXEL) + dx;
+            const float y = static_cast<float>(i / WIDTH - MIDDLE_PIXEL) + dy;
+            if (x * x + y * y < reach * reach) {
+                picture[i] += lookAlong(x, y) / all(RAYS * RAYS);
+            }
+        }
+    }
+    return picture;
+}

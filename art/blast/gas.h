@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The KRAVOLTIX developers
+// SPDX-License-Identifier: CC0-1.0
+#ifndef KRAVOLTIX_BLAST_GAS_H
+#define KRAVOLTIX_BLAST_GAS_H
+
+#include <vector>
+
+#include "vec4.h"
+
+// A ball of fuel that is lit in the gas.
+struct Burst {
+    Vec4 centre;     // px from the middle of the blast
+    float radius;    // px, before it swells
+    float fuel;      // it swells to e^(fuel / 3) times its radius
+    float heat;      // 1 is white
+    float unevenness;  // share of the radius by which its surface is dented and bulged
+    float speed;     // px per picture with which its lumps fly apart
+    unsigned seed;
+};
+
+// What a piece of gas carries.
+enum Cargo { HEAT, SOOT, FUEL, STRENGTH };
+
+// Burning gas in a cube around the middle of the blast, stepped by main: light(), then step().
+// Lengths are pixels, times are pictures. x grows to the right, y down, z towards the viewer; the
+// middle of the blast is the origin. Heat runs from 0 (cold) to 1 (white), soot from 0 (clear) to
+// about 1 (opaque after three pixels). Gas is carried, not thinned: where burning fuel makes new
+// volume, the ball swells and stays as dense as it was.
+class Gas {
+public:
+    static constexpr int CELLS = 96;             // per edge of the cube
+    static constexpr float CUBE_PX = 84.0f;      // edge of the cube
+    static constexpr float CELL_PX = CUBE_PX / CELLS;
+
+    Gas();
+
+    // Puts fuel, heat, soot and an outward push into the ball.
+    void light(const Burst& burst);
+
+    // Moves the gas on.
+    void step(float dt);
+
+    // Gives the smoke its strong and weak patches, which travel with it from now on.
+    void weaken();
+
+    // Heat, soot, fuel, strength; cell (x, y, z) stands at (z * CELLS + y) * CELLS + x.
+    std::vector<Vec4> cargo;
+
+private:
+    void burn(float dt);
+    Vec4 recoil() const;
+    void push(float dt);
+    void curl(float dt);
+    void keepVolume();
+    void relaxPressure();
+    void carry(std::vector<Vec4>& field);
+    void trace(float dt);
+
+    std::vector<Vec4> flow;        // px per picture
+    std::vector<Vec4> boiling;     // small turmoil, and wide:
+    std::vector<Vec4> breeze;      // the same at all times; the gas moves through it
+    std::vector<float> swelling;   // new volume per volume and picture
+    std::vector<float> pressure;   // kept from step to step, which saves half the sweeps
+    // scratch
+    std::vector<Vec4> from;        // where the gas of a cell was a step ago, in cells
+    std::vector<Vec4> to;          // where it will be a step later, in cells
+    std::vector<Vec4> moved;
+    std::vector<Vec4> spin;
+};
+
+// Middle of a cell, px from the middle of the blast.
+Vec4 cellPlace(int x, int y, int z);
+
+// Value between the eight cells around a place given in cells.
+Vec4 between(const std::vector<Vec4>& field, Vec4 cell);
+
+#endif

@@ -1,0 +1,99 @@
+# SPDX-FileCopyrightText: 2026 The KRAVOLTIX developers
+# SPDX-License-Identifier: CC0-1.0
+"""The small flash where a shot hits: spark, star flash, burst, breaking ring, embers, nothing."""
+
+import numpy as np
+
+SIZE = 16
+FINE = 8                # sub-pixels per pixel, both ways
+CENTRE = (9.0, 8.0)     # px; half a pixel off a laser's axis and half a pixel off an enemy shot's
+LARGEST_PX = 7.0        # the right edge of the picture is that near
+
+# display colours by heat
+HEATS = (0.0, 0.2, 0.42, 0.62, 0.82, 1.0)
+COLOURS = ((0.16, 0.02, 0.0), (0.60, 0.13, 0.0), (1.0, 0.40, 0.03), (1.0, 0.70, 0.16),
+           (1.0, 0.92, 0.55), (1.0, 1.0, 0.94))
+
+
+def field():
+    """Radius (px) and angle of the sub-pixels around the flash's centre."""
+    at = (np.arange(SIZE * FINE) + 0.5) / FINE
+    x, y = np.meshgrid(at - CENTRE[0], at - CENTRE[1])
+    return np.hypot(x, y), np.arctan2(y, x), x, y
+
+
+def ripple(angle, seed, waves):
+    """Uneven value around the circle, from about -1 to 1."""
+    chance = np.random.RandomState(seed)
+    return sum(np.sin(angle * n + chance.uniform(0, 6.28)) * chance.uniform(0.5, 1.0)
+               for n in waves) / (0.8 * len(waves) ** 0.5 + 0.4)
+
+
+def spark(radius, angle, x, y):
+    """About three pixels: it also closes the flash, so it must not blink."""
+    return 0.95 * np.exp(-((radius / 1.35) ** 2)) * 1.1
+
+
+def star(radius, angle, x, y):
+    """White core with four long and four short points."""
+    core = 1.25 * np.exp(-((radius / 3.0) ** 2))
+    points = np.zeros_like(radius)
+    for turn, length, width in ((0.0, 7.0, 0.75), (np.pi / 4, 5.2, 0.7)):
+        along = x * np.cos(turn) + y * np.sin(turn)
+        beside = -x * np.sin(turn) + y * np.cos(turn)
+        for a, b in ((along, beside), (beside, along)):
+            points = np.maximum(points, np.clip(1 - np.abs(a) / length, 0, 1) ** 0.8
+                                * np.exp(-((b / width) ** 2)))
+    return np.maximum(core, 0.95 * points)
+
+
+def burst(radius, angle, x, y):
+    """Ragged fireball, hot inside."""
+    edge = 5.6 * (1.0 + 0.16 * ripple(angle, 3, (3, 5, 7)))
+    return 1.15 * np.clip(1.0 - (radius / edge) ** 2.2, 0.0, 1.0) ** 0.75
+
+
+def ring(radius, angle, x, y):
+    """The ball opens into a ring that breaks."""
+    middle = 4.5 * (1.0 + 0.10 * ripple(angle, 5, (2, 3, 5)))
+    strength = np.clip(0.66 + 0.42 * ripple(angle, 8, (3, 4, 7)), 0.0, 1.0)
+    return 0.9 * strength * np.exp(-(((radius - middle) / 1.35) ** 2)) + 0.30 * np.exp(
+        -((radius / 2.6) ** 2))
+
+
+def embers(radius, angle, x, y, count=9, seed=11, heat=0.62, out=5.2, size=0.95):
+    """Glowing bits where the ring was."""
+    chance = np.random.RandomState(seed)
+    glow = np.zeros_like(radius)
+    for i in range(count):
+        towards = (i + chance.uniform(-0.3, 0.3)) / count * 2 * np.pi
+        far = out * chance.uniform(0.72, 1.0)
+        bit = np.hypot(x - far * np.cos(towards), y - far * np.sin(towards))
+        glow += chance.uniform(0.6, 1.0) * np.exp(-((bit / size) ** 2))
+    return heat * np.minimum(glow, 1.0)
+
+
+def last_embers(radius, angle, x, y):
+    """A few of them, a little further out and nearly cold."""
+    return embers(radius, angle, x, y, count=9, heat=0.34, out=5.7, size=0.75)
+
+
+def nothing(radius, angle, x, y):
+    """Never shown."""
+    return np.zeros_like(radius)
+
+
+STAGES = (spark, star, burst, ring, embers, last_embers, nothing)
+
+
+def picture(kit, number):
+    """RGBA of one of the seven pictures."""
+    radius, angle, x, y = field()
+    heat = STAGES[number](radius, angle, x, y) * np.clip((LARGEST_PX - radius) / 0.8, 0.0, 1.0)
+    shown = np.clip(heat / 0.22, 0.0, 1.0)
+    colour = np.dstack([np.interp(heat, HEATS, [c[i] for c in COLOURS]) for i in range(3)])
+    light = kit.to_linear(colour) * shown[..., None]
+    blocks = (SIZE, FINE, SIZE, FINE)
+    light = light.reshape(*blocks, 3).mean(axis=(1, 3))
+    cover = shown.reshape(blocks).mean(axis=(1, 3)) * 0.85
+    return kit.glow(kit.to_srgb(light), cover)

@@ -1,0 +1,156 @@
+# SPDX-FileCopyrightText: 2026 The KRAVOLTIX developers
+# SPDX-License-Identifier: CC0-1.0
+"""What shines around the burning gas: bloom, the white flash with its rays, and the sparks.
+
+Everything is light in linear values, as arrays of 84 x 84 x 3, with the middle of the blast in the
+middle of pixel 41.
+"""
+
+import numpy as np
+
+SIZE = 84
+MIDDLE = 41.5  # px, both ways
+
+# bloom: width in px, strength, colour; orange, since white bloom turns fire salmon
+BLOOM = ((1.4, 0.10, (1.0, 0.55, 0.20)), (4.5, 0.16, (1.0, 0.34, 0.06)))
+
+# flash: strength of core and rays by picture
+FLASH = {0: (0.35, 0.0), 1: (1.0, 1.0), 2: (0.62, 0.55), 3: (0.34, 0.16), 4: (0.15, 0.0), 5: (0.05, 0.0),
+         16: (0.30, 0.0), 17: (0.12, 0.0)}
+CORE_PX = 12.0
+RAYS = 17
+RAY_LONGEST_PX = 37.0
+WARM_WHITE = np.array((1.0, 0.80, 0.38))
+
+# nothing is left outside the last of these radii, px
+WINDOW_PX = (35.0, 40.2)
+
+# sparks: (picture of the burst, how many, how far the farthest flies in px)
+SHOWERS = ((0.6, 36, 38.5), (15.6, 18, 37.5))
+SPARK_WIDTH_PX = 0.62
+SPARK_SHORTEST_PX = 1.6
+SPARK_HEAT = ((0.0, (1.0, 0.90, 0.60)), (0.35, (1.0, 0.66, 0.16)), (0.7, (1.0, 0.30, 0.03)),
+              (1.0, (0.45, 0.05, 0.0)))
+
+
+def grid(fine):
+    """x and y of the sub-pixels, px from the middle of the blast."""
+    at = (np.arange(SIZE * fine) + 0.5) / fine - MIDDLE
+    return np.meshgrid(at, at)
+
+
+def coarse(picture, fine):
+    """Mean of each pixel's sub-pixels."""
+    return picture.reshape(SIZE, fine, SIZE, fine, -1).mean(axis=(1, 3))
+
+
+def blur(picture, width):
+    """Gaussian blur; beyond the edge there is black."""
+    reach = int(3 * width) + 1
+    at = np.arange(-reach, reach + 1)
+    weights = np.exp(-0.5 * (at / width) ** 2)
+    weights /= weights.sum()
+    for axis in (0, 1):
+        picture = np.apply_along_axis(np.convolve, axis, picture, weights, mode="same")
+    return picture
+
+
+def bloom(picture):
+    """Light that the bright parts spill over their surroundings."""
+    bright = picture.max(axis=2, keepdims=True) * np.minimum(picture, 1.0)
+    return sum(blur(bright, width) * strength * np.array(colour) for width, strength, colour in BLOOM)
+
+
+def flash(number):
+    """The white light of the burst: a soft core and uneven rays that die out inside the window."""
+    core, rays = FLASH.get(number, (0.0, 0.0))
+    if core == 0.0:
+        return np.zeros((SIZE, SIZE, 3))
+    x, y = grid(3)
+    radius = np.hypot(x, y)
+    light = core * 1.3 * np.exp(-((radius / CORE_PX) ** 2))
+    if rays > 0.0:
+        light = light + rays * ray_star(x, y, radius)
+    return coarse(light[..., None] * WARM_WHITE, 3)
+
+
+def ray_star(x, y, radius):
+    """Rays in evenly spread directions, uneven in length, width and strength."""
+    chance = np.random.RandomState(7)
+    angle = np.arctan2(y, x)
+    star = np.zeros_like(x)
+    for i in range(RAYS):
+        towards = (i + chance.uniform(-0.32, 0.32)) / RAYS * 2 * np.pi
+        width_px = chance.uniform(1.0, 2.6)
+        length = chance.uniform(0.62, 1.0) * RAY_LONGEST_PX
+        off = np.abs((angle - towards + np.pi) % (2 * np.pi) - np.pi)
+        beside = np.where(off < np.pi / 2, radius * np.sin(np.minimum(off, np.pi / 2)), 99.0)
+        falloff = np.clip(1.0 - radius / length, 0.0, 1.0) ** 1.6
+        star += chance.uniform(0.5, 1.1) * falloff * np.exp(-((beside / width_px) ** 2))
+    return star
+
+
+def sparks(number, clear):
+    """Glowing splinters with short trails; those behind the gas shine through where it is clear."""
+    light = np.zeros((SIZE * 2, SIZE * 2, 3))
+    x, y = grid(2)
+    hidden = clear.repeat(2, axis=0).repeat(2, axis=1)
+    for shower, (start, count, farthest) in enumerate(SHOWERS):
+        chance = np.random.RandomState(20 + shower)
+        for i in range(count):
+            spark = splinter(chance, i, count, farthest)
+            age = (number - start) / spark["life"]
+            if 0.0 < age < 1.0:
+                light += trail(x, y, number - start, age, spark) * (1.0 if spark["front"] else hidden)
+    return coarse(light, 2)
+
+
+def splinter(chance, i, count, farthest):
+    """One spark: evenly spread directions with jitter, uneven reach and life."""
+    towards = (i * 0.381966 % 1.0 + chance.uniform(-0.4, 0.4) / count) * 2 * np.pi
+    return {
+        "towards": towards,
+        "reach": farthest * chance.uniform(0.66, 1.0),
+        "slowness": chance.uniform(2.6, 4.2),
+        "life": chance.uniform(7.0, 14.5),
+        "bend": chance.uniform(-0.25, 0.25),
+        "front": chance.uniform() < 0.6,
+        "power": chance.uniform(0.7, 1.5),
+    }
+
+
+def place(spark, time):
+    """Where a spark is some pictures after its burst: it slows down in the gas."""
+    time = max(time, 0.0)
+    out = spark["reach"] * (1.0 - np.exp(-time / spark["slowness"]))
+    towards = spark["towards"] + spark["bend"] * out / spark["reach"]
+    return out * np.cos(towards), out * np.sin(towards)
+
+
+def trail(x, y, time, age, spark):
+    """Light of one spark: bright head, tail as long as its way in the last picture."""
+    head_x, head_y = place(spark, time)
+    tail_x, tail_y = place(spark, time - 0.8)
+    way_x, way_y = head_x - tail_x, head_y - tail_y
+    moved = max(np.hypot(way_x, way_y), 1e-6)
+    way_x, way_y = way_x / moved, way_y / moved
+    length = max(moved, SPARK_SHORTEST_PX)
+    along = (head_x - x) * way_x + (head_y - y) * way_y
+    beside = (head_x - x) * way_y - (head_y - y) * way_x
+    ahead = np.maximum(-along, 0.0)
+    behind = np.clip(along / length, 0.0, 1.0)
+    beyond = np.maximum(along - length, 0.0)
+    shape = np.exp(-(beside ** 2 + ahead ** 2 + beyond ** 2) / SPARK_WIDTH_PX ** 2)
+    shape *= (1.0 - behind) ** 1.2
+    stages = [stage for stage, _ in SPARK_HEAT]
+    colour = [np.interp(age, stages, [c[i] for _, c in SPARK_HEAT]) for i in range(3)]
+    fading = min(1.0, 3.0 * (1.0 - age))
+    return shape[..., None] * np.array(colour) * (2.2 * spark["power"] * fading)
+
+
+def window():
+    """1 in the middle, 0 outside: the blast never ends in a straight edge."""
+    x, y = grid(1)
+    inner, outer = WINDOW_PX
+    share = np.clip((outer - np.hypot(x, y)) / (outer - inner), 0.0, 1.0)
+    return share * share * (3.0 - 2.0 * share)

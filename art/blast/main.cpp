@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The KRAVOLTIX developers
+// SPDX-License-Identifier: CC0-1.0
+#include <cstdio>
+#include <vector>
+
+#include "camera.h"
+#include "gas.h"
+
+namespace {
+
+constexpr int PICTURES = 44;       // the last two pictures of the blast are empty
+constexpr int WEAKENED = 20;       // picture whose smoke begins to get weak places
+constexpr int STEPS = 2;           // per picture
+
+struct Event {
+    float time;
+    Burst burst;
+};
+
+// The first burst sets the size of the blast, the small ones keep its skin alive, and the one at 15
+// has grown over the ship by picture 18.
+const Event EVENTS[] = {
+    {-1.0f, {{0.0f, 0.0f, 0.0f, 0.0f}, 8.6f, 4.1f, 1.15f, 0.32f, 1.0f, 10}},
+    {4.5f, {{-13.0f, 9.0f, 12.0f, 0.0f}, 4.0f, 2.0f, 0.95f, 0.3f, 1.0f, 20}},
+    {7.0f, {{14.0f, -8.0f, 13.0f, 0.0f}, 4.0f, 2.0f, 0.95f, 0.3f, 1.0f, 30}},
+    {10.0f, {{6.0f, 15.0f, 14.0f, 0.0f}, 4.0f, 2.0f, 0.95f, 0.3f, 1.0f, 40}},
+    {12.5f, {{-10.0f, -12.0f, 14.0f, 0.0f}, 4.0f, 2.0f, 0.95f, 0.3f, 1.0f, 50}},
+    {15.0f, {{0.0f, 0.0f, 16.0f, 0.0f}, 13.0f, 2.1f, 1.15f, 0.35f, 1.5f, 60}},
+};
+
+void lightEvents(Gas& gas, float from, float to) {
+    for (const Event& event : EVENTS) {
+        if (event.time >= from && event.time < to) {
+            gas.light(event.burst);
+        }
+    }
+}
+
+// Gas time in a picture: the flash of picture 1 hides a leap, and the ball then grows slowly enough
+// for the eye to follow.
+float pace(int picture) {
+    const float slow = 0.30f + 0.06f * static_cast<float>(picture);
+    return picture == 0 ? 1.0f : picture == 1 ? 2.6f : slow < 1.0f ? slow : 1.0f;
+}
+
+}  // namespace
+
+// Writes the pictures to standard output one after the other: 84 rows of 84 pixels of four floats
+// (red, green, blue in linear light, coverage).
+int main() {
+    Gas gas;
+    Camera camera;
+    for (int picture = 0; picture < PICTURES; ++picture) {
+        for (int step = 0; step < STEPS; ++step) {
+            const float time = static_cast<float>(picture) - 1.0f + static_cast<float>(step) / STEPS;
+            lightEvents(gas, time, time + 1.0f / STEPS);
+            gas.step(pace(picture) / STEPS);
+        }
+        if (picture == WEAKENED) {
+            gas.weaken();
+        }
+        const std::vector<Vec4> shot = camera.photograph(gas, static_cast<float>(picture));
+        if (std::fwrite(shot.data(), sizeof(Vec4), shot.size(), stdout) != shot.size()) {
+            return 1;
+        }
+        std::fflush(stdout);
+    }
+    return 0;
+}
