@@ -9,7 +9,7 @@
 import numpy as np
 
 import kit
-from palette import ENERGY, ICE, SHADOW, SHADOW_ALPHA
+from palette import ENERGY, ICE, SHADOW, SHADOW_ALPHAS
 
 TUBE_HEIGHT_PX, TUBE_WIDTH_PX = 65, 10
 SEGMENT_ROWS = 8  # seven lit, one dark
@@ -44,8 +44,8 @@ def scale():
     picture[..., :3] = SHADOW
     ticks = FIRST_TICK_ROW + TICK_STEP_ROWS * np.arange(TICKS)
     for row, length in zip(ticks, TICK_LENGTHS_PX):
-        picture[row + 1, 1:length, 3] = SHADOW_ALPHA
-    picture[:, AXIS_COLUMNS, 3] = SHADOW_ALPHA
+        picture[row + 1, 1:length, 3] = SHADOW_ALPHAS[0]
+    picture[:, AXIS_COLUMNS, 3] = SHADOW_ALPHAS[0]
     picture[:, 0] = [*ICE[1], 1.0]
     picture[:, 1] = [*(ICE[2] * 0.62), 1.0]
     for i, (row, length) in enumerate(zip(ticks, TICK_LENGTHS_PX)):

@@ -11,7 +11,7 @@ import os
 import numpy as np
 
 import kit
-from palette import DIM_ICE, GOLD, ICE, SHADOW, SHADOW_ALPHA
+from palette import DIM_ICE, GOLD, ICE, SHADOW, SHADOW_ALPHAS
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 
@@ -44,11 +44,17 @@ def in_cell(coverage, size):
 
 
 def shadow_of(coverage, clear_columns=0):
-    """Alpha of the shadow: every pixel that touches the glyph, the last columns kept clear."""
+    """Alpha of the shadow, by distance from the glyph; the last columns are kept clear."""
     height, width = coverage.shape
-    padded = np.pad(coverage, 1)
-    near = [padded[y:y + height, x:x + width] for y in range(3) for x in range(3)]
-    alpha = SHADOW_ALPHA * np.max(near, axis=0)
+    reach = len(SHADOW_ALPHAS)
+    padded = np.pad(coverage, reach)
+    alpha = np.zeros_like(coverage)
+    for dy in range(-reach, reach + 1):
+        for dx in range(-reach, reach + 1):
+            distance = max(abs(dy), abs(dx), abs(dy) + abs(dx) - 1)
+            if 1 <= distance <= reach:
+                near = padded[reach + dy:reach + dy + height, reach + dx:reach + dx + width]
+                alpha = np.maximum(alpha, SHADOW_ALPHAS[distance - 1] * near)
     alpha[:, width - clear_columns:] = 0.0
     return alpha
 

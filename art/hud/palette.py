@@ -25,10 +25,10 @@ GOLD = ramp("fff3c8", "ffdf86", "f4b63c", "ffd25c", "ffe49a")
 
 # Letters and lines throw this, so that they keep an edge over fire.
 SHADOW = colour("02060e")
-SHADOW_ALPHA = 0.72
+SHADOW_ALPHAS = (0.72, 0.45)  # one pixel away, and two: there the next letter's edge needs it
 
 # Comet behind the typing cursor, from its head to where it is lost.
-COMET = ramp("ffffff", "8ceaff", "2aa6ec", "1b7ad6", "155fc0", "114ca8", "0e3e92", "0c327c", "0a2868",
+COMET = ramp("ffffff", "84e6ff", "2098e8", "186fd0", "155fc0", "114ca8", "0e3e92", "0c327c", "0a2868",
              "082058")
 COMET_ALPHA = (1.0, 0.86, 0.70, 0.56, 0.44, 0.34, 0.25, 0.17, 0.10, 0.05)
 

@@ -21,7 +21,7 @@ PLASMA_HEIGHT_PX, PLASMA_WIDTH_PX = 8, 11
 PLASMA_RADIUS_X_PX, PLASMA_RADIUS_Y_PX = 5.5, 4.0
 # Colour and alpha by distance from the centre, 1 at the rim.
 PLASMA_STOPS = np.array([0.00, 0.30, 0.48, 0.66, 0.84, 1.00])
-PLASMA_MIX = np.array([0.00, 0.12, 0.85, 1.15, 2.00, 3.00])
+PLASMA_MIX = np.array([0.00, 0.04, 0.80, 1.15, 2.00, 3.00])
 PLASMA_ALPHA = np.array([1.00, 1.00, 1.00, 0.96, 0.60, 0.00])
 
 
