@@ -12,8 +12,8 @@ FINE = 8  # samples per pixel and direction
 
 LASER_HEIGHT_PX, LASER_WIDTH_PX = 11, 3
 # Alpha along the bolt, from the head down: solid for the upper half, then fading out.
-LASER_CORE_ALPHA = np.array([0.86, 1.0, 1.0, 1.0, 1.0, 0.94, 0.82, 0.66, 0.48, 0.30, 0.15])
-LASER_SIDE_ALPHA = np.array([0.20, 0.62, 0.82, 0.80, 0.70, 0.58, 0.45, 0.33, 0.22, 0.12, 0.05])
+LASER_CORE_ALPHA = np.array([0.94, 1.0, 1.0, 1.0, 1.0, 0.97, 0.88, 0.74, 0.55, 0.35, 0.16])
+LASER_SIDE_ALPHA = np.array([0.36, 0.84, 0.95, 0.92, 0.86, 0.76, 0.60, 0.43, 0.28, 0.15, 0.06])
 # How far the core has cooled from white to cyan, and from there to blue.
 LASER_COOLING = np.array([0.10, 0.00, 0.00, 0.05, 0.15, 0.35, 0.60, 0.90, 1.20, 1.50, 1.80])
 
@@ -35,7 +35,7 @@ def laser():
     ramp = np.array([LASER_CORE, LASER_BODY, LASER_EDGE])
     picture = np.zeros((LASER_HEIGHT_PX, LASER_WIDTH_PX, 4))
     for column in (0, 2):
-        picture[:, column, :3] = mix(ramp, 1.2 + 0.4 * LASER_COOLING)
+        picture[:, column, :3] = mix(ramp, 0.9 + 0.6 * LASER_COOLING)
         picture[:, column, 3] = LASER_SIDE_ALPHA
     picture[:, 1, :3] = mix(ramp, LASER_COOLING)
     picture[:, 1, 3] = LASER_CORE_ALPHA
