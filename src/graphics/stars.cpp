@@ -25,8 +25,8 @@ float speedOf(Uint8 brightness) {
 }
 
 Uint8 brightnessAt(float x, float y) {
-    const Sint16 column = static_cast<Sint16>(x);
-    const Sint16 row = static_cast<Sint16>(y);
+    const int column = static_cast<int>(x);
+    const int row = static_cast<int>(y);
     return static_cast<Uint8>(column + row % 105 + 150);
 }
 
