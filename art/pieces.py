@@ -21,6 +21,8 @@ ROOT = os.path.dirname(ART)
 DATA = "data"
 
 RUNNING_AT_ONCE = 2
+TRUST_IN_LISTS = 0.25  # the part of a piece that weighs as if its list had proved right
+SECONDS_TO_TIDY_UP = 3
 LINES_OF_COMPLAINT = 12  # of what a failed piece wrote, the last lines tell why
 
 
@@ -77,8 +79,8 @@ def find(names=()):
 class Progress:
     """Tells of each finished asset, and how long the rest will take.
 
-    A piece's own pace is the time it took over the time its list promised, so far; until it has
-    finished something, the pace of all.
+    A piece's pace is the time it took over the time its list promised. At first its list is
+    trusted, since the first asset often waits for a compiler.
     """
 
     def __init__(self, pieces):
@@ -114,10 +116,9 @@ class Progress:
         return max(workers)
 
     def pace(self, name):
-        if self.promised[name] > 0.0:
-            return self.taken[name] / self.promised[name]
-        promised = sum(self.promised.values())
-        return sum(self.taken.values()) / promised if promised > 0.0 else 1.0
+        trust = TRUST_IN_LISTS * (self.promised[name] + self.left[name])
+        known = self.promised[name] + trust
+        return (self.taken[name] + trust) / known if known > 0.0 else 1.0
 
 
 def duration(seconds):
@@ -192,7 +193,16 @@ class Run:
 
     def stop(self):
         """Ends the program and what it has started itself, such as a compiler."""
-        os.killpg(self.process.pid, signal.SIGTERM)
+        # The first signal lets it remove its scratch files; a shell's background jobs ignore it.
+        for each in (signal.SIGINT, signal.SIGTERM):
+            try:
+                os.killpg(self.process.pid, each)
+                self.process.wait(SECONDS_TO_TIDY_UP)
+                return
+            except ProcessLookupError:
+                return
+            except subprocess.TimeoutExpired:
+                pass
 
     def failures(self):
         """What went wrong, one text per fault; nothing if all went well."""

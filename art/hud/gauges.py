@@ -3,8 +3,8 @@
 
 # The energy gauge: a tube of light segments, and the scale on its right.
 #
-# A hit costs eight units and a unit is a row, so each hit takes exactly one segment off the top. The
-# scale starts one row higher than the tube; its ticks meet the segments' upper edges.
+# A hit costs eight units and a unit is a row, so each hit takes exactly one segment off the top.
+# The scale starts one row higher than the tube; its ticks meet the segments' upper edges.
 
 import numpy as np
 

@@ -91,7 +91,7 @@ def digits():
 
 
 def small_digits():
-    # The fourth column stays clear, so that a counter of three digits stands centred below its icon.
+    # With the fourth column clear, a counter of three digits stands centred below its icon.
     return strip("small.txt", "0123456789", SMALL_CELL, GOLD, clear_columns=1)
 
 

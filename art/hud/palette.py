@@ -28,15 +28,16 @@ SHADOW = colour("02060e")
 SHADOW_ALPHAS = (0.72, 0.45)  # one pixel away, and two: there the next letter's edge needs it
 
 # Comet behind the typing cursor, from its head to where it is lost.
-COMET = ramp("ffffff", "84e6ff", "2098e8", "186fd0", "155fc0", "114ca8", "0e3e92", "0c327c", "0a2868",
-             "082058")
+COMET = ramp("ffffff", "84e6ff", "2098e8", "186fd0", "155fc0", "114ca8", "0e3e92", "0c327c",
+             "0a2868", "082058")
 COMET_ALPHA = (1.0, 0.86, 0.70, 0.56, 0.44, 0.34, 0.25, 0.17, 0.10, 0.05)
 
 # Target marks, from the outer edge inwards.
 MARK = ramp("c8ff9c", "46e83c")
 
 # The eight energy segments from the top, then the last row. The warning comes with the red ones.
-ENERGY = ramp("18e05c", "34e848", "74ec30", "c4ee20", "ffe81c", "ffae14", "ff3c1c", "f81c1c", "f81c1c")
+ENERGY = ramp("18e05c", "34e848", "74ec30", "c4ee20", "ffe81c", "ffae14", "ff3c1c", "f81c1c",
+              "f81c1c")
 
 LASER_CORE, LASER_BODY, LASER_EDGE = ramp("ffffff", "5cf4ff", "1c7cff")
 PLASMA = ramp("fff0ff", "ff2cc8", "b0089c", "3a0040")

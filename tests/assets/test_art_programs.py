@@ -100,7 +100,8 @@ class Render(Workshop):
         self.assertEqual(error, "render: no piece is called shipss; there are: icon, ships\n")
 
     def test_a_piece_that_fails_is_named_with_its_last_words_and_the_others_go_on(self):
-        self.piece("ships", "#!/bin/sh\necho 'needs the package povray' >&2\nexit 3\n", SHIPS_ASSETS)
+        self.piece("ships", "#!/bin/sh\necho 'needs the package povray' >&2\nexit 3\n",
+                   SHIPS_ASSETS)
         status, _, error = self.run_art("render")
         self.assertEqual(status, 2)
         self.assertIn("ships: its render program ended with status 3", error)

@@ -304,8 +304,8 @@ class Readability(unittest.TestCase):
                 self.assertGreaterEqual(text_contrast(screen, glyph, dark), 3.0)
 
     def test_text_is_read_under_the_cursors_tail_from_its_second_frame_on(self):
-        for frame, at_least in ((2, 2.0), (3, 3.0), (4, 4.0), (5, 5.0), (6, 6.0), (7, 7.0), (8, 8.0),
-                                (9, 9.0)):
+        for frame, at_least in ((2, 2.0), (3, 3.0), (4, 4.0), (5, 5.0), (6, 6.0), (7, 7.0),
+                                (8, 8.0), (9, 9.0)):
             with self.subTest(frame):
                 self.check(at_least, BLACK, frame)
 
