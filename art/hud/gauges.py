@@ -14,8 +14,9 @@ from palette import ENERGY, ICE, SHADOW, SHADOW_ALPHAS
 TUBE_HEIGHT_PX, TUBE_WIDTH_PX = 65, 10
 SEGMENT_ROWS = 8  # seven lit, one dark
 # Light across the tube: the key light comes from the upper left, the rim light from the right.
-TUBE_LIGHT = np.array([0.50, 0.78, 1.00, 1.00, 0.94, 0.82, 0.69, 0.56, 0.45, 0.40])
-TUBE_WHITE = np.array([0.00, 0.16, 0.62, 0.44, 0.14, 0.04, 0.00, 0.00, 0.00, 0.00])
+TUBE_LIGHT = np.array([0.52, 0.80, 1.00, 1.00, 0.95, 0.84, 0.70, 0.56, 0.43, 0.40])
+TUBE_WHITE = np.array([0.00, 0.14, 0.55, 0.40, 0.14, 0.04, 0.00, 0.00, 0.00, 0.00])
+RIM = np.array([0.04, 0.10, 0.22])  # added to the last column: the cold light from behind
 # The bevel of one segment, row by row.
 SEGMENT_LIGHT = np.array([1.14, 1.04, 1.00, 0.98, 0.94, 0.88, 0.74, 0.16])
 JOINT_ALPHA = 0.85
@@ -24,6 +25,8 @@ SCALE_HEIGHT_PX, SCALE_WIDTH_PX = 67, 9
 AXIS_COLUMNS = 2
 FIRST_TICK_ROW, TICK_STEP_ROWS, TICKS = 1, 8, 9
 TICK_LENGTHS_PX = (9, 4, 6, 4, 9, 4, 6, 4, 9)  # whole, eighth, quarter ...
+SHORT_TICK_PX = 4
+AXIS_LIGHT, AXIS_DARK = ICE[2] * 0.5 + ICE[1] * 0.5, ICE[2] * 0.5
 FIRST_RED_TICK = 6
 RED_TICK = ENERGY[-1] * 0.6 + 0.4 * np.array([1.0, 0.75, 0.65])
 
@@ -34,7 +37,8 @@ def tube():
     light = SEGMENT_LIGHT[inside][:, None, None] * TUBE_LIGHT[None, :, None]
     lit = ENERGY[segment][:, None, :]
     white = np.where(inside < SEGMENT_ROWS - 1, 1.0, 0.0)[:, None, None] * TUBE_WHITE[None, :, None]
-    colour = np.clip((lit + (1.0 - lit) * white) * light, 0.0, 1.0)
+    colour = (lit + (1.0 - lit) * white) * light
+    colour[inside < SEGMENT_ROWS - 1, -1] += RIM
     alpha = np.where(inside < SEGMENT_ROWS - 1, 1.0, JOINT_ALPHA)
     return kit.to_bytes(np.dstack([colour, np.repeat(alpha[:, None], TUBE_WIDTH_PX, axis=1)]))
 
@@ -46,8 +50,9 @@ def scale():
     for row, length in zip(ticks, TICK_LENGTHS_PX):
         picture[row + 1, 1:length, 3] = SHADOW_ALPHAS[0]
     picture[:, AXIS_COLUMNS, 3] = SHADOW_ALPHAS[0]
-    picture[:, 0] = [*ICE[1], 1.0]
-    picture[:, 1] = [*(ICE[2] * 0.62), 1.0]
+    picture[:, 0] = [*AXIS_LIGHT, 1.0]
+    picture[:, 1] = [*AXIS_DARK, 1.0]
     for i, (row, length) in enumerate(zip(ticks, TICK_LENGTHS_PX)):
-        picture[row, :length] = [*(RED_TICK if i >= FIRST_RED_TICK else ICE[0]), 1.0]
+        cold = ICE[0] if length > SHORT_TICK_PX else ICE[1]
+        picture[row, :length] = [*(RED_TICK if i >= FIRST_RED_TICK else cold), 1.0]
     return kit.to_bytes(picture)

@@ -11,7 +11,7 @@ import os
 import numpy as np
 
 import kit
-from palette import DIM_ICE, GOLD, ICE, SHADOW, SHADOW_ALPHAS
+from palette import DIM_ICE, GOLD, ICE, SHADOW, SHADOW_ALPHAS, SMALL_SHADOW_ALPHAS
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 
@@ -43,10 +43,10 @@ def in_cell(coverage, size):
     return np.pad(coverage, ((0, size[0] - height), (0, size[1] - width)))
 
 
-def shadow_of(coverage, clear_columns=0):
+def shadow_of(coverage, alphas=SHADOW_ALPHAS, clear_columns=0):
     """Alpha of the shadow, by distance from the glyph; the last columns are kept clear."""
     height, width = coverage.shape
-    reach = len(SHADOW_ALPHAS)
+    reach = len(alphas)
     padded = np.pad(coverage, reach)
     alpha = np.zeros_like(coverage)
     for dy in range(-reach, reach + 1):
@@ -54,7 +54,7 @@ def shadow_of(coverage, clear_columns=0):
             distance = max(abs(dy), abs(dx), abs(dy) + abs(dx) - 1)
             if 1 <= distance <= reach:
                 near = padded[reach + dy:reach + dy + height, reach + dx:reach + dx + width]
-                alpha = np.maximum(alpha, SHADOW_ALPHAS[distance - 1] * near)
+                alpha = np.maximum(alpha, alphas[distance - 1] * near)
     alpha[:, width - clear_columns:] = 0.0
     return alpha
 
@@ -74,11 +74,11 @@ def row_height(colours):
     return 2 if len(colours) == 4 else 1
 
 
-def strip(name, signs, cell, colours, clear_columns=0):
+def strip(name, signs, cell, colours, **shadow):
     """A sheet of glyphs, cell by cell."""
     maps = read_maps(name)
     coverages = [in_cell(maps[sign], cell) for sign in signs]
-    cells = [chrome(each, colours, shadow_of(each, clear_columns)) for each in coverages]
+    cells = [chrome(each, colours, shadow_of(each, **shadow)) for each in coverages]
     return np.concatenate(cells, axis=1)
 
 
@@ -92,7 +92,8 @@ def digits():
 
 def small_digits():
     # With the fourth column clear, a counter of three digits stands centred below its icon.
-    return strip("small.txt", "0123456789", SMALL_CELL, GOLD, clear_columns=1)
+    return strip("small.txt", "0123456789", SMALL_CELL, GOLD, alphas=SMALL_SHADOW_ALPHAS,
+                 clear_columns=1)
 
 
 def cross():

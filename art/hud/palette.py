@@ -25,6 +25,7 @@ GOLD = ramp("fff3c8", "ffdf86", "f4b63c", "ffd25c", "ffe49a")
 
 # Letters and lines throw this, so that they keep an edge over fire.
 SHADOW = colour("02060e")
+SMALL_SHADOW_ALPHAS = (0.92,)  # the small digits have no room for more than their own hollows
 SHADOW_ALPHAS = (0.72, 0.45)  # one pixel away, and two: there the next letter's edge needs it
 
 # Comet behind the typing cursor, from its head to where it is lost.

@@ -247,6 +247,16 @@ class SmallDigits(unittest.TestCase):
                 self.assertGreater(contrast(luminance(shining).mean(), 0.0), 10)
                 self.assertTrue(all(35 <= hue(pixel) <= 50 for pixel in shining))
 
+    def test_are_read_by_their_hollows_over_a_hull_and_over_fire(self):
+        for ground_colour in (HULL, FIRE):
+            strokes, hollows = [], []
+            for cell in self.cells():
+                light, glyph = luminance(over(cell, ground_colour)), lit(cell)
+                strokes += list(light[glyph])
+                hollows += list(light[~glyph & (cell[..., 3] > 0)])
+            with self.subTest(ground_colour):
+                self.assertGreaterEqual(contrast(np.mean(strokes), np.mean(hollows)), 7.0)
+
     def test_are_all_told_apart(self):
         masks = [lit(cell) for cell in self.cells()]
         for i, one in enumerate(masks):
