@@ -48,7 +48,7 @@ class Piece:
             with open(path, encoding="utf-8") as file:
                 lines = [line.split() for line in file if line.strip() and not line.startswith("#")]
         except OSError as error:
-            raise ArtError(f"{self.name}: {error}")
+            raise ArtError(f"{os.path.relpath(path)}: {error.strerror}")
         if lines and lines[0][0] == "output":
             self.output = lines.pop(0)[1]
         for words in lines:
@@ -229,6 +229,12 @@ def run_main(main):
         sys.exit(complain(str(error)))
     except KeyboardInterrupt:
         sys.exit(complain("stopped", 130))
+    except BrokenPipeError:
+        # Whoever read the output has seen enough; nothing more can be said to them.
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+        sys.exit(2)
+    except OSError as error:
+        sys.exit(complain(f"{error.filename}: {error.strerror}" if error.filename else str(error)))
 
 
 def complain(message, status=2):
