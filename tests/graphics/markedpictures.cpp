@@ -92,6 +92,11 @@ void reportLoadsAndOutputOnStandardError() {
     };
 }
 
+SDL_Rect rectOf(int x, int y, int width, int height) {
+    return {static_cast<Sint16>(x), static_cast<Sint16>(y), static_cast<Uint16>(width),
+            static_cast<Uint16>(height)};
+}
+
 bool showsPart(SDL_Surface* screen, int x, int y, Mark mark, const SDL_Rect& part) {
     for (int row = 0; row < part.h; ++row) {
         for (int column = 0; column < part.w; ++column) {

@@ -48,6 +48,8 @@ public:
 // there: for a process that is going to exit.
 void reportLoadsAndOutputOnStandardError();
 
+SDL_Rect rectOf(int x, int y, int width, int height);
+
 // Is exactly this part of a marked picture seen at (x, y) of the screen?
 bool showsPart(SDL_Surface* screen, int x, int y, Mark mark, const SDL_Rect& part);
 
