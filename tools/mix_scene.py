@@ -7,10 +7,10 @@
 #
 #   mix_scene.py SCENE SOUNDS OUT.wav [--buffer FRAMES]
 #
-# A scene is a text file with one sound a line, "milliseconds channel file", in the order of time; "#"
-# starts a remark. A new sound on a channel cuts the old one off at once; channels are added up and
-# held within 16 bits. With --buffer, sounds start only at the start of a mixer buffer, as they do
-# in the game.
+# A scene is a text file with one sound a line, "milliseconds channel file", in the order of time;
+# "#" starts a remark. A new sound on a channel cuts the old one off at once; channels are added up
+# and held within 16 bits. With --buffer, sounds start only at the start of a mixer buffer, as they
+# do in the game.
 
 import argparse
 import collections

@@ -3,7 +3,7 @@
 #
 # One key of the ship's terminal: the key goes down, and lets go 58 ms later, higher and softer.
 
-from synth import band, hit, modes, noise, seconds, sine
+from synth import band, hit, modes, noise, seconds
 
 LENGTH = 0.1            # s
 PEAK_DB = -8
@@ -17,7 +17,6 @@ UP = ((930, 0.4, 0.0032), (2210, 0.7, 0.0022), (3890, 0.8, 0.0016), (6020, 0.6, 
 
 def sound():
     t = seconds(LENGTH + 0.01)
-    snap = noise(LENGTH + 0.01, 701, lambda _, hz: band(hz, 5200, 0.9), 256)
-    total = modes(t, DOWN) + 0.45 * modes(t, UP, RELEASE)
-    total += 0.8 * snap * (hit(t, 0, 0.0008, 0.0012) + 0.4 * hit(t, RELEASE, 0.0008, 0.0010))
-    return total
+    snap = noise(t, 701, lambda _, hz: band(hz, 5200, 0.9), 256)
+    total = modes(t, DOWN) + 0.55 * modes(t, UP, RELEASE)
+    return total + 0.8 * snap * (hit(t, 0, 0.0008, 0.0012) + 0.45 * hit(t, RELEASE, 0.0008, 0.0010))

@@ -10,6 +10,7 @@ RATE = 22050            # Hz
 LOUDEST_WINDOW_S = 0.05
 BANDS_HZ = (0, 120, 500, 2000, 4000, 11025)
 QUIETEST_DB = -120.0
+SLICES_S = (0.0, 0.01, 0.03, 0.07, 0.14, 0.25, 0.45, 0.75, 1.15, 1.7, 2.4)  # finer where it starts
 
 
 def db(amplitude):
@@ -98,14 +99,14 @@ def roughness(samples):
     return rms(flicker[loud]) / max(rms(trend[loud]), 1e-30)
 
 
-def fingerprint(samples, length_s=0.25):
-    """Levels (dB) in 12 half-octave bands by 10 slices of time: what the ear keeps of a sound."""
-    slices = np.array_split(np.pad(samples, (0, RATE))[:int(length_s * RATE)], 10)
+def fingerprint(samples):
+    """Levels (dB) in half-octave bands by slices of time: what the ear keeps of a sound."""
+    padded = np.pad(samples, (0, int(SLICES_S[-1] * RATE)))
     edges = 120.0 * 2.0 ** (0.5 * np.arange(13))
     rows = []
-    for piece in slices:
-        hz, energy = spectrum(piece)
-        rows.append([np.sum(energy[(hz >= low) & (hz < high)]) for low, high in
+    for start, end in zip(SLICES_S, SLICES_S[1:]):
+        hz, energy = spectrum(part(padded, start, end))
+        rows.append([np.sum(energy[(hz >= low) & (hz < high)]) / (end - start) for low, high in
                      zip(edges, edges[1:])])
     levels = 10.0 * np.log10(np.array(rows) + 1e-12)
     return np.maximum(levels, np.max(levels) - 40.0)

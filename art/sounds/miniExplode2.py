@@ -1,45 +1,49 @@
 # SPDX-FileCopyrightText: 2026 The KRAVOLTIX developers
 # SPDX-License-Identifier: CC0-1.0
 #
-# The player is hit: a blow on the hull, the crunch of plates, and a short falling buzz of the ship's
-# own alarm. Two notes a half-tone and an octave apart rub against each other: it must alarm.
+# The player is hit: a blow on the hull, the crunch of plates, and a short falling buzz of the
+# ship's own alarm. Its two voices lie a half-tone apart and rub against each other: it must alarm.
 
 import numpy as np
 
-from synth import (band, crackle, curve, decay, from_db, glide, hit, low_pass, modes, noise, saturate,
-                   saw, seconds, shape, sine, swell)
+from synth import (band, crackle, glide, hit, low_pass, modes, noise, saturate, saw, seconds, shape,
+                   sine)
 
 LENGTH = 0.38           # s
-PEAK_DB = -6
-LOUDEST_DB = -12
+PEAK_DB = -6.4
+LOUDEST_DB = -12.4
 FADE = 0.05             # s
 
-HULL = ((283, 0.8, 0.09), (467, 0.7, 0.07), (811, 0.6, 0.05), (1367, 0.5, 0.035),
+BUZZ_HZ = (760, 380)
+BUZZ_START = 0.045      # s, when the blow has made its point
+GATE_HZ = 32            # the alarm stutters
+
+HULL = ((283, 0.8, 0.08), (467, 0.7, 0.07), (811, 0.6, 0.05), (1367, 0.5, 0.035),
         (2190, 0.4, 0.022))
 
 
 def buzz(t):
-    """The alarm: it starts as the blow fades and falls by about an octave."""
-    pitch = glide(t - 0.05, 640, 330, 0.12)
-    rub = saw(pitch, t) + saw(pitch * 1.06, t, 0.3) + 0.7 * saw(pitch * 0.5, t, 0.1)
-    gate = 0.55 + 0.45 * np.tanh(4 * sine(38, t))
+    """The alarm falls by an octave and dulls on its way."""
+    pitch = glide(t - BUZZ_START, *BUZZ_HZ, 0.13)
+    rub = saw(pitch, t) + 0.9 * saw(pitch * 1.06, t, 0.3) + 0.5 * saw(pitch * 0.5, t, 0.1)
+    gate = 0.6 + 0.4 * np.tanh(4 * sine(GATE_HZ, t, 0.25))
     dulled = shape(rub * gate, lambda time, hz: low_pass(
-        hz, 900 + 5200 * np.exp(-time / 0.10), 2, 1.4), 1024)
-    return dulled * hit(t, 0.035, 0.03, 0.10)
+        hz, 1200 + 5600 * np.exp(-time / 0.12), 2, 1.4), 1024)
+    return dulled * hit(t, BUZZ_START, 0.02, 0.13)
 
 
 def crunch(t):
     """Noise torn into uneven lumps, as when metal folds."""
-    torn = noise(len(t) / 88200.0, 401, lambda time, hz: band(
-        hz, 700 + 2600 * np.exp(-time / 0.04), 1.1), 512)
+    torn = noise(t, 401, lambda time, hz: band(hz, 700 + 2600 * np.exp(-time / 0.05), 1.0), 512)
     return saturate(torn * crackle(t, 402, 130, 0.8), 1.5)
 
 
 def sound():
     t = seconds(LENGTH + 0.02)
-    crack = noise(LENGTH + 0.02, 403, lambda _, hz: band(hz, 5000, 1.2), 512)
-    total = 1.1 * sine(glide(t, 230, 70, 0.045), t) * hit(t, 0, 0.0015, 0.075)
-    total += 0.55 * crunch(t) * hit(t, 0, 0.0012, 0.055)
-    total += 0.5 * crack * hit(t, 0, 0.001, 0.005)
-    total += 0.28 * modes(t, HULL) + 0.42 * buzz(t)
-    return total
+    crack = noise(t, 403, lambda _, hz: band(hz, 5000, 1.2), 512)
+    total = 1.05 * sine(glide(t, 230, 70, 0.050), t) * hit(t, 0, 0.0015, 0.050)
+    total += 0.62 * crunch(t) * hit(t, 0, 0.0012, 0.048)
+    total += 0.55 * crack * hit(t, 0, 0.001, 0.005)
+    total += 0.28 * modes(t, HULL) + 0.40 * buzz(t)
+    # Turned over, so that its peaks do not add to those of a blast that starts with it.
+    return -total

@@ -6,37 +6,32 @@
 
 import numpy as np
 
-from synth import (band, curve, decay, from_db, glide, hit, modes, noise, room, saturate, saw,
-                   seconds, sine, swell)
+from synth import band, curve, decay, from_db, glide, hit, noise, seconds, sine, swell, turns
 
 LENGTH = 0.22           # s
-PEAK_DB = -10
-LOUDEST_DB = -16
+PEAK_DB = -10.4
+LOUDEST_DB = -16.4
 FADE = 0.03             # s
 
 CHIRP_HZ = (2300, 240)
-CHIRP_FALL = 0.030      # s
+CHIRP_FALL = 0.032      # s
 MODULATOR_RATIO = 1.51  # not a whole number: glassy, not like an organ pipe
+SHIMMER = 1.013         # a second chirp this much higher beats against the first
 
 
 def chirp(t):
-    """Two chirps a little apart beat against each other, which makes the bolt shimmer."""
-    pitch = glide(t, *CHIRP_HZ, CHIRP_FALL)
-    index = 0.5 + 2.6 * decay(t, 0.022)
-    phase = np.cumsum(pitch) / 88200.0
-    bend = index * np.sin(2 * np.pi * MODULATOR_RATIO * phase)
-    body = np.sin(2 * np.pi * phase + bend)
-    double = np.sin(2 * np.pi * 1.012 * phase + 0.8 * bend + 1.0)
-    edge = 0.35 * saw(pitch * 0.5, t) * decay(t, 0.05)
-    return body + 0.6 * double + edge
+    """A tone bent by another: bright and metallic at first, pure and round as it falls."""
+    phase = 2 * np.pi * turns(glide(t, *CHIRP_HZ, CHIRP_FALL), t)
+    index = 0.35 + 2.4 * decay(t, 0.030)
+    bend = index * np.sin(MODULATOR_RATIO * phase)
+    return np.sin(phase + bend) + 0.30 * np.sin(SHIMMER * 2 * phase + bend + 1.0)
 
 
 def sound():
     t = seconds(LENGTH + 0.02)
-    fall = curve(t, (0, 0), (0.002, 0), (0.045, -3), (0.085, -11), (0.125, -25), (0.14, -31),
-                 (0.20, -42), (0.24, -54))
-    total = 0.75 * chirp(t) * from_db(fall) * swell(t, 0, 0.0012)
-    tick = noise(LENGTH + 0.02, 101, lambda _, hz: band(hz, 6500, 0.6), 512)
-    total += 0.55 * tick * hit(t, 0, 0.0008, 0.004)
-    total += 0.9 * sine(glide(t, 260, 130, 0.02), t) * hit(t, 0, 0.002, 0.018)
-    return total
+    fall = curve(t, (0, 0), (0.040, -1), (0.060, -6), (0.085, -14), (0.12, -24), (0.14, -30),
+                 (0.20, -43), (0.24, -54))
+    total = chirp(t) * from_db(fall) * swell(t, 0, 0.0012)
+    tick = noise(t, 101, lambda _, hz: band(hz, 6800, 0.6), 512)
+    total += 0.45 * tick * hit(t, 0, 0.0008, 0.0035)
+    return total + 0.55 * sine(glide(t, 330, 140, 0.015), t) * hit(t, 0, 0.002, 0.016)

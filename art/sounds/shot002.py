@@ -1,17 +1,17 @@
 # SPDX-FileCopyrightText: 2026 The KRAVOLTIX developers
 # SPDX-License-Identifier: CC0-1.0
 #
-# The rocket: it drops from its clamp with a clunk, falls almost silently, lights its motor when the
-# drop turns into a climb, and roars away.
+# The rocket: it drops from its clamp with a clunk, falls with a breath of air, lights its motor
+# when the drop turns into a climb, and roars away.
 
 import numpy as np
 
-from synth import (band, crackle, curve, decay, from_db, glide, hit, low_pass, modes, noise, room,
-                   saturate, saw, seconds, sine, swell)
+from synth import (band, crackle, curve, from_db, glide, hit, modes, noise, saturate, saw, seconds,
+                   sine, swell)
 
 LENGTH = 1.35           # s
-PEAK_DB = -8
-LOUDEST_DB = -14
+PEAK_DB = -8.4
+LOUDEST_DB = -14.4
 FADE = 0.12             # s
 
 IGNITION = 0.19         # s, the moment the drop turns into a climb
@@ -24,31 +24,32 @@ LATCH = ((620, 0.4, 0.016), (1210, 0.5, 0.012), (2250, 0.5, 0.009), (3900, 0.4, 
 
 
 def release(t):
-    """The clamp opens, and the latch snaps a moment later."""
-    snap = noise(len(t) / 88200.0, 201, lambda _, hz: band(hz, 4500, 0.9), 512)
+    """The clamp opens, the latch snaps a moment later, and air hisses past the falling rocket."""
+    snap = noise(t, 201, lambda _, hz: band(hz, 4500, 0.9), 512)
+    air = noise(t, 205, lambda time, hz: band(hz, 1300 + 6000 * time, 0.5))
     total = modes(t, CLAMP) + 0.8 * modes(t, LATCH, 0.043)
     total += 0.5 * snap * (hit(t, 0, 0.001, 0.004) + 0.6 * hit(t, 0.043, 0.001, 0.003))
-    return total
+    return total + 0.07 * air * swell(t, 0.02, 0.10) * (1 - swell(t, IGNITION, 0.05))
 
 
 def roar(t):
     """Band noise that falls from 4 kHz as the rocket leaves, fluttering like a torn flame."""
     def gain(time, hz):
-        centre = 420 + 3600 * np.exp(-np.maximum(time - IGNITION, 0.0) / 0.30)
-        return band(hz, centre, 0.8) + 0.55 * band(hz, 330, 0.9) + 0.10 * band(hz, 7000, 0.7) * (
-            np.exp(-np.maximum(time - IGNITION, 0.0) / 0.35))
-    flame = noise(len(t) / 88200.0, 202, gain)
-    flutter = 1.0 + 0.42 * np.tanh(1.6 * sine(FLUTTER_HZ, t))
-    return flame * flutter * crackle(t, 203, 60, 0.25)
+        since = np.maximum(time - IGNITION, 0.0)
+        jet = band(hz, 420 + 3600 * np.exp(-since / 0.30), 0.75)
+        return jet + 0.5 * band(hz, 330, 0.8) + 0.12 * band(hz, 7000, 0.7) * np.exp(-since / 0.35)
+    flutter = 1.0 + 0.5 * np.tanh(1.6 * sine(FLUTTER_HZ, t))
+    return noise(t, 202, gain) * flutter * crackle(t, 203, 60, 0.2)
 
 
 def sound():
     t = seconds(LENGTH + 0.02)
     thrust = swell(t, IGNITION, SWELL) * from_db(curve(
-        t, (0, 0), (0.42, 0), (0.7, -5), (1.0, -13), (1.25, -26), (1.4, -40)))
-    tone = saw(glide(t - IGNITION, 190, 92, 0.5), t) + saw(glide(t - IGNITION, 287, 139, 0.5), t)
-    pop = noise(LENGTH + 0.02, 204, lambda _, hz: band(hz, 1500, 1.3), 512)
-    total = 0.62 * saturate(0.7 * roar(t), 1.6) * thrust + 0.10 * tone * thrust
-    total += 0.55 * pop * hit(t, IGNITION, 0.0015, 0.014)
-    total += 0.55 * sine(glide(t - IGNITION, 240, 120, 0.05), t) * hit(t, IGNITION, 0.003, 0.06)
-    return total + 0.42 * release(t)
+        t, (0, 0), (0.38, 0), (0.48, -4), (0.7, -9), (1.0, -17), (1.25, -27), (1.35, -36)))
+    since = t - IGNITION
+    tone = saw(glide(since, 210, 96, 0.5), t) + saw(glide(since, 316, 145, 0.5), t)
+    pop = noise(t, 204, lambda _, hz: band(hz, 1700, 1.2), 512)
+    total = 0.62 * saturate(0.7 * roar(t), 1.6) * thrust + 0.13 * tone * thrust
+    total += 0.36 * pop * hit(t, IGNITION, 0.0015, 0.016)
+    total += 0.36 * sine(glide(since, 260, 125, 0.05), t) * hit(t, IGNITION, 0.003, 0.06)
+    return total + 0.40 * release(t)

@@ -1,11 +1,11 @@
 # SPDX-FileCopyrightText: 2026 The KRAVOLTIX developers
 # SPDX-License-Identifier: CC0-1.0
 #
-# The building blocks of every sound: noise, oscillators, moving filters, a room, saturation, and the
-# last step that brings a sound to its length and levels.
+# The building blocks of every sound: noise, oscillators, moving filters, a room, saturation, and
+# the last step that brings a sound to its length and levels.
 #
-# Sounds are made at four times the game's rate and cut off below half the game's rate at the end, so
-# that saturation and fast sweeps leave no whistling mirror tones.
+# Sounds are made at four times the game's rate and cut off below half the game's rate at the end,
+# so that saturation and fast sweeps leave no whistling mirror tones.
 
 import sys
 
@@ -22,8 +22,9 @@ CUTOFF_HZ = 9800            # low-pass before every fourth sample is kept
 CUTOFF_TAPS = 511
 HIGH_PASS_HZ = 45           # small speakers only lose headroom to what lies below
 ATTACK_S = 0.0012           # a harder start clicks
-DRIVE_RANGE = (0.05, 8.0)   # limits of the search for the saturation that gives the wanted density
-DRIVE_STEPS = 30
+DRIVE_RANGE = (0.05, 4.0)   # gentlest and roughest saturation; more than 4 is a buzz of its own
+DRIVE_STEPS = 24
+LEVEL_CLOSE_DB = 0.05       # near enough: the gentlest saturation that gets here is taken
 LEVEL_SLACK_DB = 0.3        # a sound that misses its density by more is refused
 
 
@@ -32,15 +33,23 @@ def seconds(duration):
     return np.arange(int(round(duration * HIGH_RATE))) / HIGH_RATE
 
 
+def add(total, piece, start):
+    """Mixes a piece into a longer sound, from `start` seconds on; what does not fit is left out."""
+    at = int(round(start * HIGH_RATE))
+    piece = piece[:max(0, len(total) - at)]
+    total[at:at + len(piece)] += piece
+
+
 def from_db(level):
     return 10.0 ** (level / 20.0)
 
 
-def white(duration, seed):
+def white(count, seed):
     """White noise from -1 to 1: a mixed counter, the same on every machine and library version."""
     with np.errstate(over="ignore"):
-        mixed = np.arange(1, int(round(duration * HIGH_RATE)) + 1, dtype=np.uint64)
-        mixed = mixed * np.uint64(0x9E3779B97F4A7C15) + np.uint64(seed) * np.uint64(0xD1B54A32D192ED03)
+        mixed = np.arange(1, count + 1, dtype=np.uint64)
+        mixed = mixed * np.uint64(0x9E3779B97F4A7C15)
+        mixed = mixed + np.uint64(seed) * np.uint64(0xD1B54A32D192ED03)
         mixed = (mixed ^ (mixed >> np.uint64(30))) * np.uint64(0xBF58476D1CE4E5B9)
         mixed = (mixed ^ (mixed >> np.uint64(27))) * np.uint64(0x94D049BB133111EB)
         mixed ^= mixed >> np.uint64(31)
@@ -49,7 +58,7 @@ def white(duration, seed):
 
 def random_values(count, seed, low, high):
     """A handful of even random numbers between two limits."""
-    return low + (high - low) * (white(count / HIGH_RATE, seed) + 1.0) / 2.0
+    return low + (high - low) * (white(count, seed) + 1.0) / 2.0
 
 
 # Envelopes: all take the time axis and give 0 before their start.
@@ -138,15 +147,15 @@ def shape(samples, gain, frame=2048):
     return total[frame:frame + len(samples)]
 
 
-def noise(duration, seed, gain, frame=2048):
+def noise(t, seed, gain, frame=2048):
     """Shaped noise of about unit loudness, whatever its band."""
-    shaped = shape(white(duration, seed), gain, frame)
+    shaped = shape(white(len(t), seed), gain, frame)
     return shaped / np.sqrt(np.mean(shaped ** 2) + 1e-30)
 
 
 def crackle(t, seed, rate_hz, depth):
     """Uneven flicker between 1 - depth and about 1 + depth: fire tears, it does not hiss evenly."""
-    flicker = noise(len(t) / HIGH_RATE, seed, lambda _, hz: low_pass(hz, rate_hz, 4), 8192)
+    flicker = noise(t, seed, lambda _, hz: low_pass(hz, rate_hz, 4), 8192)
     return np.maximum(1.0 + depth * flicker, 0.0)
 
 
@@ -156,23 +165,22 @@ def grains(t, seed, count, span, bands, lengths):
     when = span[0] + (span[1] - span[0]) * random_values(count, seed, 0.0, 1.0) ** 1.7
     pitch = bands[0] * (bands[1] / bands[0]) ** random_values(count, seed + 1, 0.0, 1.0)
     length = random_values(count, seed + 2, *lengths)
-    level = random_values(count, seed + 3, 0.25, 1.0) ** 1.5
+    loud = random_values(count, seed + 3, 0.25, 1.0) ** 1.5
     for number in range(count):
-        at = int(when[number] * HIGH_RATE)
-        local = t[:max(0, min(len(t) - at, int(8 * length[number] * HIGH_RATE)))]
-        source = white(len(local) / HIGH_RATE, seed + 10 + number)
+        local = seconds(8 * length[number])
+        source = white(len(local), seed + 10 + number)
         poles = dsp.butter(2, [pitch[number] / 1.35, pitch[number] * 1.35], "band",
                            fs=HIGH_RATE, output="sos")
         fading = 1.0 - 0.75 * (when[number] - span[0]) / (span[1] - span[0])
         burst = dsp.sosfilt(poles, source) * hit(local, 0.0, 0.001, length[number])
-        total[at:at + len(local)] += fading * level[number] * burst / (np.std(burst) + 1e-9)
+        add(total, fading * loud[number] * burst / (np.std(burst) + 1e-9), when[number])
     return total
 
 
 def room(samples, length, seed, bright_hz, gap=0.012):
     """The answer of a large space: a diffuse tail that gets darker as it fades."""
     t = seconds(length)
-    answer = shape(white(length, seed), lambda time, hz: low_pass(
+    answer = shape(white(len(t), seed), lambda time, hz: low_pass(
         hz, bright_hz * np.exp(-2.5 * time / length) + 200.0))
     answer *= swell(t, gap, 0.01) * np.exp(-5.5 * t / length)
     answer /= np.sqrt(np.sum(answer ** 2))
@@ -215,7 +223,7 @@ def finish(samples, length, peak_db, loudest_db, fade):
     for _ in range(DRIVE_STEPS):
         middle = (low + high) / 2.0
         result = level(trim(decimate(saturate(samples, np.exp(middle))), length, fade), peak_db)
-        if measure.loudest_db(result) < loudest_db:
+        if measure.loudest_db(result) < loudest_db - LEVEL_CLOSE_DB:
             low = middle
         else:
             high = middle
