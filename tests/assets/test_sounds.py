@@ -452,6 +452,24 @@ class Mix(SoundTest):
         self.assertEqual([(cut.channel, cut.old, cut.new) for cut in report.cuts],
                          [(1, "long", "short")])
 
+    def test_with_a_mixer_buffer_a_sound_waits_for_the_next_buffer(self):
+        sounds = {"short": np.full(100, 0.25)}
+        report = mix_scene.mix([mix_scene.Event(513 / RATE, 1, "short")], sounds, 512)
+        self.assertEqual(list(report.exact[[1023, 1024, 1123]]), [0, 0.25, 0.25])
+
+    def test_a_scene_with_a_mistake_is_refused_with_its_line(self):
+        for line in ("x 1 a.wav", "10 1", "-1 1 a.wav", "1 1 a.wav b.wav", "0 1 a.wav"):
+            with self.subTest(line=line):
+                with self.assertRaisesRegex(mix_scene.SceneError, "line 3"):
+                    mix_scene.parse_scene("# remark\n5 1 a.wav\n" + line)
+
+    def test_a_sum_beyond_full_scale_is_held_and_counted(self):
+        sounds = {"loud": np.full(10, 0.75)}
+        events = [mix_scene.Event(0, channel, "loud") for channel in (1, 2)]
+        report = mix_scene.mix(events, sounds)
+        self.assertEqual(mix_scene.clipped_samples(report), 10)
+        self.assertLess(np.max(report.mix), 1.0)
+
     def test_a_busy_scene_sums_without_a_clipped_sample(self):
         for shift in BUSY_SHIFTS_MS:
             with self.subTest(shift=shift):
