@@ -7,7 +7,7 @@
 import numpy as np
 
 from synth import (band, crackle, glide, grains, hit, level, low_pass, noise, room, saturate,
-                   seconds, sine)
+                   seconds, sine, swell)
 
 LENGTH = 2.0            # s
 PEAK_DB = -4.4
@@ -15,7 +15,7 @@ LOUDEST_DB = -12.4
 FADE = 0.30             # s
 
 SECOND = 0.85           # s, soft: the picture may come a little late
-DENSITY = 2.2           # saturation of all but the crack, which stands out in front of it
+DENSITY = 2.0           # saturation of all but the crack, which stands out in front of it
 CRACK = 1.0
 
 
@@ -51,13 +51,13 @@ def thump(t, start, hz, length):
 
 def sound():
     t = seconds(LENGTH + 0.02)
-    first = hit(t, 0, 0.006, 0.055) + 0.28 * hit(t, 0, 0.02, 0.36)
-    second = hit(t, SECOND, 0.05, 0.22)
-    total = 0.95 * body(t, 0, (7500, 420), 0.10, 510) * first
+    second = hit(t, SECOND, 0.09, 0.20)
+    total = 0.95 * body(t, 0, (7500, 420), 0.10, 510) * hit(t, 0, 0.006, 0.065)
+    total += 0.26 * body(t, 0, (2200, 300), 0.12, 512, 230) * hit(t, 0, 0.02, 0.34)
     total += 0.45 * tearing(t, 0.004, 0.10, 520) + 0.9 * thump(t, 0.001, (230, 92), 0.10)
     total += 0.34 * body(t, SECOND, (3000, 480), 0.16, 530) * second
-    total += 0.16 * tearing(t, SECOND + 0.02, 0.12, 540)
+    total += 0.20 * tearing(t, SECOND, 0.14, 540) * swell(t, SECOND, 0.09)
     total += 0.20 * sine(glide(t - SECOND, 190, 95, 0.1), t) * hit(t, SECOND, 0.03, 0.16)
     total += 0.08 * grains(t, 550, 70, (0.05, 1.6), (1200, 7500), (0.002, 0.010))
-    total += 0.30 * room(total, 0.9, 560, 2600)
+    total += 0.30 * room(total, 0.9, 561, 2200)
     return saturate(level(total, 0), DENSITY) + CRACK * crack(t, 0, 500)
