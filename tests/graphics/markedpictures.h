@@ -44,8 +44,8 @@ public:
     std::vector<std::string> loads;
 };
 
-// Sends standard output to standard error, line by line, and lists each picture that is loaded
-// there: for a process that is going to exit.
+// Sends standard output to standard error and lists there each picture that is asked for: for a
+// process that is going to exit.
 void reportLoadsAndOutputOnStandardError();
 
 SDL_Rect rectOf(int x, int y, int width, int height);

@@ -324,6 +324,7 @@ std::vector<bool> clearPixels(SDL_Surface* screen, SDL_Surface* picture) {
     paint(screen, 0, 0, picture->w, picture->h, GREEN);
     SDL_BlitSurface(picture, nullptr, screen, nullptr);
     std::vector<bool> clear;
+    clear.reserve(static_cast<size_t>(picture->w));
     for (int x = 0; x < picture->w; ++x) {
         clear.push_back(pixelAt(screen, x, 0) == GREEN);
     }

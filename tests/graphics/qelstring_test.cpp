@@ -18,6 +18,7 @@ constexpr int CELL_HEIGHT = 9;
 constexpr int LINE_X = 16;
 constexpr int LINE_Y = 12;
 constexpr unsigned int STEP_MS = 51;
+constexpr int MANY_STEPS = 100;  // enough for every line here
 constexpr int FADE_FRAMES = 48;  // six cursor pictures, eight frames each
 
 // The glyph of a cell: its letter or digit, '.' for a blank, '?' for anything else. Below a cursor
@@ -116,14 +117,14 @@ struct Line {
 
     // Lets the line type itself out until it stands there without a trail.
     void typeOut() {
-        while (!line.typed) {
+        for (int step = 0; step < MANY_STEPS && !line.typed; ++step) {
             show(STEP_MS);
         }
     }
 
     // Lets a line of type 2 or 3 type itself out and be wiped: the fade-out comes next.
     void wipe() {
-        while (line.typing) {
+        for (int step = 0; step < MANY_STEPS && line.typing; ++step) {
             show(STEP_MS);
         }
     }
@@ -164,8 +165,9 @@ TEST(QELString, ShowsAForgottenStringAsOne) {
     const MarkedPictures pictures;
     SDL_Surface* screen = makeScreen(160, 20);
     QELString line(screen);
-    while (line.showString(STEP_MS) == 0) {
+    for (int step = 0; step < MANY_STEPS; ++step) {
         paint(screen, 0, 0, 160, 20, BLACK);
+        line.showString(STEP_MS);
     }
     EXPECT_EQ(pictureOf(screen, 0, 0, 16).glyphs, "NO.STRING.GIVEN.");
 }

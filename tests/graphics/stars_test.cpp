@@ -426,6 +426,13 @@ TEST(Stars, AreDrawnBetweenLockAndUnlockOnAScreenThatMustBeLocked) {
               std::vector<std::string>({"clear", "lock a black screen", "unlock all stars"}));
 }
 
+TEST(Stars, LockAScreenThatLiesWithinAnotherToo) {
+    Sky sky;
+    sky.screen->offset = 4;
+    EXPECT_EQ(callsOfAFrame(sky, 0),
+              std::vector<std::string>({"clear", "lock a black screen", "unlock all stars"}));
+}
+
 TEST(Stars, StayAwayFromAScreenThatCannotBeLocked) {
     Sky sky;
     paint(sky.screen, 0, 0, SKY_WIDTH, SKY_HEIGHT, RED);
