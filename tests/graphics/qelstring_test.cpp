@@ -427,6 +427,7 @@ TEST(QELString, NeitherTypesNorEndsWhenItIsEmpty) {
             {"two cursors at once", 1, 0, "...", "10.", 0},
             {"for good", 200, 51, "...", "10.", 0},
         });
+        EXPECT_EQ(stage.line.pauseTicks, 0);
     }
 }
 
