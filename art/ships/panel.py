@@ -12,18 +12,19 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."
 import kit
 
 SIZE = 29                # pixels
+FRAME = 2                # pixels at each side that the motif leaves alone
 OPACITY = 0.80           # ships passing below stay faintly visible
 TILT_DEGREES = 38        # clockwise, both motifs alike
 
 # Display colours. The light comes from the upper left, so those edges are light.
 FACE_TOP, FACE_BASE = (0.090, 0.125, 0.180), (0.035, 0.050, 0.085)
-BEVEL_LIGHT, BEVEL_DARK = (0.46, 0.62, 0.78), (0.115, 0.165, 0.235)
+BEVEL_LIGHT, BEVEL_DARK = (0.46, 0.62, 0.78), (0.16, 0.23, 0.32)
 GROOVE = (0.020, 0.030, 0.050)
 
 # Bolts: middle along and across the firing direction, half length; all in pixels.
-BOLTS = ((2.0, 0.0, 8.2), (-3.2, -5.6, 5.4), (-3.2, 5.6, 5.4))
-BOLT_RADIUS = 1.15
-GLOW_RADIUS = 3.0
+BOLTS = ((1.2, 0.0, 8.8), (-2.4, -5.8, 5.6), (-2.4, 5.8, 5.6))
+BOLT_RADIUS = 1.35
+GLOW_RADIUS = 4.5
 SAMPLES = 8              # per pixel and direction
 BOLT_CORE, BOLT_EDGE, BOLT_GLOW = (1.0, 1.0, 1.0), (0.36, 0.957, 1.0), (0.11, 0.486, 1.0)
 
@@ -74,7 +75,9 @@ def bolts():
 def icon(motif):
     """8-bit RGBA of the panel with a straight display RGBA motif over it."""
     below = panel()
-    cover = motif[..., 3:]
+    cover = np.zeros((SIZE, SIZE, 1))
+    inside = slice(FRAME, SIZE - FRAME)
+    cover[inside, inside] = motif[inside, inside, 3:]
     alpha = cover + below[..., 3:] * (1 - cover)
     colour = motif[..., :3] * cover + below[..., :3] * below[..., 3:] * (1 - cover)
     return kit.to_bytes(np.dstack([colour / np.maximum(alpha, 1e-6), alpha]))
