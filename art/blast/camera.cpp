@@ -8,9 +8,9 @@ namespace {
 
 // gas
 constexpr float EXTINCTION = 0.55f;    // per px at soot 1
-constexpr float TEAR_FROM = 22.0f;     // picture from which weak smoke tears
+constexpr float TEAR_FROM = 21.5f;     // picture from which weak smoke tears
 constexpr float TEAR_TO = 43.5f;       // and at which the strongest is gone
-constexpr float TEAR_EDGE = 0.30f;     // strength over which smoke goes from clear to full
+constexpr float TEAR_EDGE = 0.35f;     // strength over which smoke goes from clear to full
 constexpr float RIM_FROM_PX = 32.0f;
 constexpr float RIM_RATE = 0.14f;
 
@@ -18,11 +18,12 @@ constexpr float RIM_RATE = 0.14f;
 constexpr float KEY_X = -0.44f;
 constexpr float KEY_Y = -0.60f;
 constexpr float KEY_Z = 0.66f;
-constexpr float KEY_SHADOW = 0.5f;    // share of the extinction that the key light feels
+constexpr float OLD_SHADOW = 2.5f;
+constexpr float KEY_SHADOW = 0.8f;    // share of the extinction that the key light feels
 const Vec4 KEY_COLOUR = {1.0f, 0.90f, 0.76f, 0.0f};
-const Vec4 SKY_COLOUR = {0.22f, 0.24f, 0.30f, 0.0f};
+const Vec4 SKY_COLOUR = {0.20f, 0.19f, 0.22f, 0.0f};
 const Vec4 GLOW_COLOUR = {1.0f, 0.26f, 0.04f, 0.0f};
-const Vec4 SMOKE_COLOUR = {0.085f, 0.066f, 0.060f, 0.0f};
+const Vec4 SMOKE_COLOUR = {0.066f, 0.045f, 0.036f, 0.0f};
 constexpr float GLOW_GAIN = 0.9f;
 constexpr float GLOW_WIDTH_CELLS = 4;
 constexpr float SKY_WIDTH_CELLS = 5;
@@ -35,8 +36,8 @@ struct Shade {
 const Shade FIRE[] = {
     {0.00f, 0.000f, 0.000f, 0.000f}, {0.14f, 0.060f, 0.008f, 0.004f},
     {0.26f, 0.400f, 0.070f, 0.010f}, {0.38f, 0.720f, 0.200f, 0.015f},
-    {0.50f, 0.960f, 0.400f, 0.030f}, {0.62f, 1.000f, 0.600f, 0.090f},
-    {0.76f, 1.000f, 0.800f, 0.280f}, {0.90f, 1.000f, 0.940f, 0.600f},
+    {0.50f, 0.960f, 0.400f, 0.030f}, {0.62f, 1.000f, 0.590f, 0.050f},
+    {0.76f, 1.000f, 0.780f, 0.180f}, {0.90f, 1.000f, 0.930f, 0.500f},
     {1.05f, 1.000f, 1.000f, 0.920f},
 };
 constexpr int FIRE_STEPS = 256;
@@ -128,7 +129,7 @@ Camera::Camera()
     : body(N * SHEET, all(0.0f)), around(N * SHEET, all(0.0f)), haze(N * SHEET, 0.0f) {
 }
 
-void Camera::castShadows() {
+void Camera::castShadows(float shadow) {
     // The light comes from the front, so each sheet of cells gets what the sheet before it lets by.
     const float across = KEY_X / KEY_Z;
     const float down = KEY_Y / KEY_Z;
@@ -144,7 +145,7 @@ void Camera::castShadows() {
                     continue;
                 }
                 const Vec4 there = between(body, before);
-                body[i][2] = there[2] * left(there[0] * KEY_SHADOW * length);
+                body[i][2] = there[2] * left(there[0] * shadow * length);
             }
         }
     }
@@ -167,23 +168,30 @@ void Camera::spreadGlow() {
 
 void Camera::lightTheGas(const Gas& gas, float time) {
     const float age = time > TEAR_FROM ? (time - TEAR_FROM) / (TEAR_TO - TEAR_FROM) : 0.0f;
-    const float torn = (1.0f + TEAR_EDGE) * age - TEAR_EDGE;
-    const float thickness = EXTINCTION * (1.0f - 0.7f * age);
+    // Only smoke that is torn all the way through shows space, so tearing is fast at first.
+    const float torn = 1.2f * age * (1.4f - 0.4f * age) - TEAR_EDGE;
+    const float thickness = EXTINCTION * (1.0f - 0.8f * age);
+    for (int i = 0; i < N * SHEET; ++i) {
+        haze[i] = gas.cargo[i][STRENGTH];
+    }
+    blur(haze, 1);
     for (int i = 0; i < N * SHEET; ++i) {
         const Vec4 place = cellPlace(i % N, i / ROW % N, i / SHEET);
         const float rim = std::sqrt(dot3(place, place)) - RIM_FROM_PX;
         const float soot = gas.cargo[i][SOOT] - (rim > 0.0f ? rim * RIM_RATE : 0.0f);
-        float whole = age > 0.0f ? (gas.cargo[i][STRENGTH] - torn) / TEAR_EDGE : 1.0f;
+        float whole = age > 0.0f ? (haze[i] - torn) / TEAR_EDGE : 1.0f;
         whole = whole < 0.0f ? 0.0f : whole > 1.0f ? 1.0f : whole;
         body[i] = vec4(soot > 0.0f ? soot * whole * thickness : 0.0f, gas.cargo[i][HEAT], 1.0f);
     }
-    castShadows();
+    // Thin old smoke would look flat: its shadows stay as deep as those of thick smoke.
+    castShadows(KEY_SHADOW * (1.0f + OLD_SHADOW * age));
     spreadGlow();
 }
 
 Vec4 Camera::lookAlong(float x, float y) const {
     Vec4 seen = all(0.0f);
     float clear = 1.0f;
+    float warmth = 0.0f;
     const float half = 0.5f * Gas::CUBE_PX;
     const float reach = std::sqrt(half * half - x * x - y * y);
     for (float z = reach; z > -reach && clear > DARK; z -= STRIDE_PX) {
@@ -194,11 +202,17 @@ Vec4 Camera::lookAlong(float x, float y) const {
         }
         const Vec4 a = between(around, cell);
         const float stays = left(b[0] * STRIDE_PX);
-        const Vec4 smoke = SMOKE_COLOUR * (KEY_COLOUR * all(1.6f * b[2]) + SKY_COLOUR * all(a[0]) +
+        const Vec4 smoke = SMOKE_COLOUR * (KEY_COLOUR * all(2.4f * b[2]) + SKY_COLOUR * all(a[0]) +
                                            GLOW_COLOUR * all(GLOW_GAIN * b[3] * 10.0f));
-        const Vec4 flame = fireColour(b[1] * (0.62f + 0.3f * b[2] + 0.2f * a[0]));
-        seen += (flame + smoke * all(b[1] < 0.5f ? 1.0f - 2.0f * b[1] : 0.0f)) * all(clear * (1.0f - stays));
+        const float heat = b[1] * (0.50f + 0.42f * b[2] + 0.28f * a[0]);
+        const float share = clear * (1.0f - stays);
+        seen += smoke * all(share * (b[1] < 0.5f ? 1.0f - 2.0f * b[1] : 0.0f));
+        warmth += share * heat * heat * heat * heat;
         clear *= stays;
+    }
+    // One colour for the mean heat: white and red light mixed would be pink, and fire never is.
+    if (clear < 1.0f) {
+        seen += fireColour(std::sqrt(std::sqrt(warmth / (1.0f - clear)))) * all(1.0f - clear);
     }
     seen[3] = 1.0f - clear;
     return seen;

@@ -21,7 +21,7 @@ public:
 
 private:
     void lightTheGas(const Gas& gas, float time);
-    void castShadows();
+    void castShadows(float shadow);
     void spreadGlow();
     Vec4 lookAlong(float x, float y) const;
 

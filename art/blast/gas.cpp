@@ -11,17 +11,20 @@ namespace {
 // burning
 constexpr float BURN_RATE = 0.155f;     // per unit of fuel and picture: fast at first, a long tail
 constexpr float BURN_HEAT = 0.10f;      // heat per unit of burnt fuel
-constexpr float COOLING = 0.035f;       // share of heat lost per picture everywhere
-constexpr float SKIN_COOLING = 0.30f;   // and at the surface, where the gas shines into space
-constexpr float PATCH_WIDTH_PX = 12.0f; // strong and weak patches of smoke
+constexpr float COOLING = 0.022f;       // share of heat lost per picture everywhere
+constexpr float SKIN_COOLING = 0.20f;   // and at the surface, where the gas shines into space
+constexpr float PATCH_WIDTH_PX = 16.0f; // strong and weak patches of smoke
 constexpr unsigned PATCH_SEED = 970;
 
 // motion
-constexpr float LIFT_PX = 0.8f;         // px per picture^2 by which hot gas climbs outwards
-constexpr float CONFINEMENT = 0.45f;    // how much of the small rolling is given back
+constexpr float LIFT_PX = 1.0f;         // px per picture^2 by which hot gas climbs outwards
+constexpr float CONFINEMENT = 0.28f;    // how much of the small rolling is given back
+constexpr float OLD_CONFINEMENT = 0.1f; // the same in old smoke
+constexpr float STICKINESS = 0.25f;     // share of the neighbours' speed taken over per step
+constexpr float OLD_STICKINESS = 0.6f;  // the same in old smoke
 constexpr float CALM_RADIUS_PX = 23.0f; // outside, the air slows the gas down
 constexpr float CALM_DRAG = 0.10f;      // per picture and px outside
-constexpr float RECOIL = 0.35f;         // px per picture^2 and px off the middle
+constexpr float RECOIL = 0.8f;         // px per picture^2 and px off the middle
 constexpr float DRAG = 0.05f;           // share of speed lost per picture everywhere
 constexpr float STIR_PX = 0.5f;        // px per picture^2 of the breeze that keeps smoke moving
 constexpr float STIR_WIDTH_PX = 15.0f;
@@ -134,6 +137,14 @@ Gas::Gas()
     });
 }
 
+// How much of the smoke between a burst and the viewer the burst blows away: without this window
+// the old smoke would hide it.
+float ahead(Vec4 place, float radius) {
+    const float aside = std::sqrt(place[0] * place[0] + place[1] * place[1]);
+    const float share = 3.0f - 2.2f * aside / radius;
+    return place[2] < 0.0f || share < 0.0f ? 0.0f : share > 1.0f ? 1.0f : share;
+}
+
 void Gas::light(const Burst& burst) {
     const Vec4 lumps = all(3.6f / burst.radius);
     eachCell([&](int i, int x, int y, int z) {
@@ -141,12 +152,13 @@ void Gas::light(const Burst& burst) {
         const float distance = std::sqrt(dot3(place, place));
         // Dents follow the direction, so the ball stays whole and its lobes point outwards.
         const Vec4 facing = place / all(distance + 0.5f);
-        const float dent = noise(facing * all(3.4f), burst.seed) * 0.55f +
-                           noise(facing * all(7.0f), burst.seed + 1) * 0.45f;
+        const float dent = noise(facing * all(2.8f), burst.seed) * 0.55f +
+                           noise(facing * all(5.6f), burst.seed + 1) * 0.45f;
         const float surface = burst.radius * (1.0f + burst.unevenness * dent);
         float inside = (surface - distance) / (1.5f * H) + 0.5f;
         inside = inside < 0.0f ? 0.0f : inside > 1.0f ? 1.0f : inside;
         if (inside <= 0.0f) {
+            cargo[i][SOOT] *= 1.0f - ahead(place, burst.radius);
             return;
         }
         const float mottle = roughNoise(place * lumps, burst.seed + 2);
@@ -160,9 +172,11 @@ void Gas::light(const Burst& burst) {
 }
 
 void Gas::weaken() {
+    weakened = true;
     eachCell([&](int i, int x, int y, int z) {
         const Vec4 place = cellPlace(x, y, z) * all(1.0f / PATCH_WIDTH_PX);
-        cargo[i][STRENGTH] = 0.5f + 0.5f * roughNoise(place, PATCH_SEED);
+        cargo[i][STRENGTH] =
+            0.5f + 0.8f * (noise(place, PATCH_SEED) + 0.4f * noise(place * all(2.3f), PATCH_SEED + 1));
     });
 }
 
@@ -182,7 +196,7 @@ void Gas::burn(float dt) {
             cover += soot > 1.0f ? 1.0f : soot;
         }
         const float skin = 1.0f - cover / 6.0f;
-        const float loss = COOLING + SKIN_COOLING * skin * skin + 0.02f * c[HEAT] * c[HEAT];
+        const float loss = COOLING + SKIN_COOLING * skin * skin + 0.04f * c[HEAT] * c[HEAT];
         c[HEAT] = (c[HEAT] + burnt * BURN_HEAT * dt) / (1.0f + loss * dt);
     });
 }
@@ -217,6 +231,7 @@ void Gas::push(float dt) {
 }
 
 void Gas::curl(float dt) {
+    const float given = weakened ? OLD_CONFINEMENT : CONFINEMENT;
     const float scale = 0.5f / H;
     eachCell([&](int i, int, int, int) {
         const Vec4 dx = flow[i + 1] - flow[i - 1];
@@ -231,9 +246,19 @@ void Gas::curl(float dt) {
                                 spin[i + SHEET][3] - spin[i - SHEET][3]);
         const float steepness = std::sqrt(dot3(slope, slope));
         if (steepness > 1e-4f) {
-            flow[i] += cross3(slope / all(steepness), spin[i]) * all(CONFINEMENT * H * dt);
+            flow[i] += cross3(slope / all(steepness), spin[i]) * all(given * H * dt);
         }
     });
+}
+
+void Gas::smooth() {
+    const Vec4 stickiness = all(weakened ? OLD_STICKINESS : STICKINESS);
+    eachCell([&](int i, int, int, int) {
+        const Vec4 around = flow[i - 1] + flow[i + 1] + flow[i - ROW] + flow[i + ROW] +
+                            flow[i - SHEET] + flow[i + SHEET];
+        moved[i] = flow[i] + (around / all(6.0f) - flow[i]) * stickiness;
+    });
+    flow.swap(moved);
 }
 
 void Gas::relaxPressure() {
@@ -310,6 +335,7 @@ void Gas::step(float dt) {
     burn(dt);
     push(dt);
     curl(dt);
+    smooth();
     keepVolume();
     trace(dt);
     carry(cargo);

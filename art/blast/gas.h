@@ -28,7 +28,7 @@ enum Cargo { HEAT, SOOT, FUEL, STRENGTH };
 // volume, the ball swells and stays as dense as it was.
 class Gas {
 public:
-    static constexpr int CELLS = 96;             // per edge of the cube
+    static constexpr int CELLS = 112;             // per edge of the cube
     static constexpr float CUBE_PX = 84.0f;      // edge of the cube
     static constexpr float CELL_PX = CUBE_PX / CELLS;
 
@@ -51,11 +51,13 @@ private:
     Vec4 recoil() const;
     void push(float dt);
     void curl(float dt);
+    void smooth();
     void keepVolume();
     void relaxPressure();
     void carry(std::vector<Vec4>& field);
     void trace(float dt);
 
+    bool weakened = false;
     std::vector<Vec4> flow;        // px per picture
     std::vector<Vec4> boiling;     // small turmoil, and wide:
     std::vector<Vec4> breeze;      // the same at all times; the gas moves through it

@@ -9,6 +9,9 @@ FINE = 8                # sub-pixels per pixel, both ways
 CENTRE = (9.0, 8.0)     # px; half a pixel off a laser's axis and half a pixel off an enemy shot's
 LARGEST_PX = 7.0        # the right edge of the picture is that near
 
+BITS = 11
+BITS_SEED = 4
+
 # display colours by heat
 HEATS = (0.0, 0.2, 0.42, 0.62, 0.82, 1.0)
 COLOURS = ((0.16, 0.02, 0.0), (0.60, 0.13, 0.0), (1.0, 0.40, 0.03), (1.0, 0.70, 0.16),
@@ -55,27 +58,33 @@ def burst(radius, angle, x, y):
 
 def ring(radius, angle, x, y):
     """The ball opens into a ring that breaks."""
-    middle = 4.5 * (1.0 + 0.10 * ripple(angle, 5, (2, 3, 5)))
-    strength = np.clip(0.66 + 0.42 * ripple(angle, 8, (3, 4, 7)), 0.0, 1.0)
-    return 0.9 * strength * np.exp(-(((radius - middle) / 1.35) ** 2)) + 0.30 * np.exp(
-        -((radius / 2.6) ** 2))
+    middle = 4.7 * (1.0 + 0.10 * ripple(angle, 5, (2, 3, 5)))
+    strength = np.clip(0.52 + 0.62 * ripple(angle, 8, (3, 4, 7)), 0.0, 1.0)
+    haze = 0.19 * np.exp(-((radius / 4.2) ** 4)) * (1.0 + 0.5 * ripple(angle, 9, (2, 3)))
+    return 0.86 * strength * np.exp(-(((radius - middle) / 1.15) ** 2)) + haze
 
 
-def embers(radius, angle, x, y, count=9, seed=11, heat=0.62, out=5.2, size=0.95):
-    """Glowing bits where the ring was."""
-    chance = np.random.RandomState(seed)
-    glow = np.zeros_like(radius)
-    for i in range(count):
-        towards = (i + chance.uniform(-0.3, 0.3)) / count * 2 * np.pi
-        far = out * chance.uniform(0.72, 1.0)
-        bit = np.hypot(x - far * np.cos(towards), y - far * np.sin(towards))
-        glow += chance.uniform(0.6, 1.0) * np.exp(-((bit / size) ** 2))
-    return heat * np.minimum(glow, 1.0)
+def bits(x, y, heat, out, size):
+    """Glowing bits where the ring was, the large ones hot and the small ones cold."""
+    chance = np.random.RandomState(BITS_SEED)
+    glow = np.zeros_like(x)
+    for i in range(BITS):
+        towards = (i + chance.uniform(-0.4, 0.4)) / BITS * 2 * np.pi
+        far = out * chance.uniform(0.5, 1.0)
+        large = chance.uniform(0.6, 1.15)
+        away = np.hypot(x - far * np.cos(towards), y - far * np.sin(towards))
+        glow = np.maximum(glow, large * np.exp(-((away / (size * large)) ** 2)))
+    return heat * glow
+
+
+def embers(radius, angle, x, y):
+    """The ring has fallen to bits."""
+    return bits(x, y, heat=0.58, out=5.4, size=1.1)
 
 
 def last_embers(radius, angle, x, y):
-    """A few of them, a little further out and nearly cold."""
-    return embers(radius, angle, x, y, count=9, heat=0.34, out=5.7, size=0.75)
+    """The same bits, further out, smaller and nearly cold."""
+    return bits(x, y, heat=0.36, out=6.1, size=0.85)
 
 
 def nothing(radius, angle, x, y):
@@ -95,5 +104,8 @@ def picture(kit, number):
     light = kit.to_linear(colour) * shown[..., None]
     blocks = (SIZE, FINE, SIZE, FINE)
     light = light.reshape(*blocks, 3).mean(axis=(1, 3))
-    cover = shown.reshape(blocks).mean(axis=(1, 3)) * 0.85
+    # Only the hot parts hide what is behind them; the rest is light, which must not leave a dark
+    # rim on a bright hull.
+    solid = np.clip((heat - 0.35) / 0.4, 0.0, 1.0)
+    cover = solid.reshape(blocks).mean(axis=(1, 3))
     return kit.glow(kit.to_srgb(light), cover)

@@ -12,24 +12,27 @@ SIZE = 84
 MIDDLE = 41.5  # px, both ways
 
 # bloom: width in px, strength, colour; orange, since white bloom turns fire salmon
-BLOOM = ((1.4, 0.10, (1.0, 0.55, 0.20)), (4.5, 0.16, (1.0, 0.34, 0.06)))
+BLOOM = ((1.4, 0.10, (1.0, 0.50, 0.08)), (4.5, 0.16, (1.0, 0.34, 0.03)))
 
 # flash: strength of core and rays by picture
-FLASH = {0: (0.35, 0.0), 1: (1.0, 1.0), 2: (0.62, 0.55), 3: (0.34, 0.16), 4: (0.15, 0.0), 5: (0.05, 0.0),
-         16: (0.30, 0.0), 17: (0.12, 0.0)}
+FLASH = {0: (0.35, 0.0), 1: (1.0, 1.0), 2: (0.62, 0.55), 3: (0.36, 0.18), 4: (0.21, 0.06), 5: (0.11, 0.0), 6: (0.05, 0.0),
+         16: (0.55, 0.0), 17: (0.25, 0.0), 18: (0.08, 0.0)}
 CORE_PX = 12.0
 RAYS = 17
 RAY_LONGEST_PX = 37.0
-WARM_WHITE = np.array((1.0, 0.80, 0.38))
+# weak light is orange, strong light white: powers of the light for red, green and blue
+WARMTH = np.array((1.0, 1.35, 2.0))
+STRENGTH = np.array((1.2, 0.95, 0.6))
 
 # nothing is left outside the last of these radii, px
 WINDOW_PX = (35.0, 40.2)
 
 # sparks: (picture of the burst, how many, how far the farthest flies in px)
-SHOWERS = ((0.6, 36, 38.5), (15.6, 18, 37.5))
+SHOWERS = ((0.0, 38, 38.5), (15.3, 18, 37.5))
+SPARK_SEED = 36
 SPARK_WIDTH_PX = 0.62
-SPARK_SHORTEST_PX = 1.6
-SPARK_HEAT = ((0.0, (1.0, 0.90, 0.60)), (0.35, (1.0, 0.66, 0.16)), (0.7, (1.0, 0.30, 0.03)),
+SPARK_SHORTEST_PX = 3.0
+SPARK_HEAT = ((0.0, (1.0, 0.86, 0.36)), (0.35, (1.0, 0.66, 0.16)), (0.7, (1.0, 0.30, 0.03)),
               (1.0, (0.45, 0.05, 0.0)))
 
 
@@ -71,7 +74,7 @@ def flash(number):
     light = core * 1.3 * np.exp(-((radius / CORE_PX) ** 2))
     if rays > 0.0:
         light = light + rays * ray_star(x, y, radius)
-    return coarse(light[..., None] * WARM_WHITE, 3)
+    return coarse(light[..., None] ** WARMTH * STRENGTH, 3)
 
 
 def ray_star(x, y, radius):
@@ -81,12 +84,13 @@ def ray_star(x, y, radius):
     star = np.zeros_like(x)
     for i in range(RAYS):
         towards = (i + chance.uniform(-0.32, 0.32)) / RAYS * 2 * np.pi
-        width_px = chance.uniform(1.0, 2.6)
-        length = chance.uniform(0.62, 1.0) * RAY_LONGEST_PX
+        width_px = chance.uniform(1.2, 3.0)
+        length = chance.uniform(0.68, 1.0) * RAY_LONGEST_PX
         off = np.abs((angle - towards + np.pi) % (2 * np.pi) - np.pi)
         beside = np.where(off < np.pi / 2, radius * np.sin(np.minimum(off, np.pi / 2)), 99.0)
-        falloff = np.clip(1.0 - radius / length, 0.0, 1.0) ** 1.6
-        star += chance.uniform(0.5, 1.1) * falloff * np.exp(-((beside / width_px) ** 2))
+        left = np.clip(1.0 - radius / length, 0.0, 1.0)
+        point = beside / (width_px * (0.25 + 0.75 * left))
+        star += chance.uniform(0.7, 2.2) * left ** 1.2 * np.exp(-(point ** 2))
     return star
 
 
@@ -96,12 +100,13 @@ def sparks(number, clear):
     x, y = grid(2)
     hidden = clear.repeat(2, axis=0).repeat(2, axis=1)
     for shower, (start, count, farthest) in enumerate(SHOWERS):
-        chance = np.random.RandomState(20 + shower)
+        chance = np.random.RandomState(SPARK_SEED + shower)
         for i in range(count):
             spark = splinter(chance, i, count, farthest)
-            age = (number - start) / spark["life"]
+            time = number - start - spark["late"]
+            age = time / spark["life"]
             if 0.0 < age < 1.0:
-                light += trail(x, y, number - start, age, spark) * (1.0 if spark["front"] else hidden)
+                light += trail(x, y, time, age, spark) * (1.0 if spark["front"] else hidden)
     return coarse(light, 2)
 
 
@@ -110,9 +115,10 @@ def splinter(chance, i, count, farthest):
     towards = (i * 0.381966 % 1.0 + chance.uniform(-0.4, 0.4) / count) * 2 * np.pi
     return {
         "towards": towards,
-        "reach": farthest * chance.uniform(0.66, 1.0),
-        "slowness": chance.uniform(2.6, 4.2),
+        "reach": farthest * chance.uniform(0.72, 1.0),
+        "slowness": chance.uniform(2.0, 3.6),
         "life": chance.uniform(7.0, 14.5),
+        "late": chance.uniform(0.0, 1.4),
         "bend": chance.uniform(-0.25, 0.25),
         "front": chance.uniform() < 0.6,
         "power": chance.uniform(0.7, 1.5),
@@ -130,7 +136,7 @@ def place(spark, time):
 def trail(x, y, time, age, spark):
     """Light of one spark: bright head, tail as long as its way in the last picture."""
     head_x, head_y = place(spark, time)
-    tail_x, tail_y = place(spark, time - 0.8)
+    tail_x, tail_y = place(spark, time - 1.5)
     way_x, way_y = head_x - tail_x, head_y - tail_y
     moved = max(np.hypot(way_x, way_y), 1e-6)
     way_x, way_y = way_x / moved, way_y / moved
@@ -144,8 +150,8 @@ def trail(x, y, time, age, spark):
     shape *= (1.0 - behind) ** 1.2
     stages = [stage for stage, _ in SPARK_HEAT]
     colour = [np.interp(age, stages, [c[i] for _, c in SPARK_HEAT]) for i in range(3)]
-    fading = min(1.0, 3.0 * (1.0 - age))
-    return shape[..., None] * np.array(colour) * (2.2 * spark["power"] * fading)
+    fading = min(1.0, 3.0 * (1.0 - age)) * np.clip((np.hypot(head_x, head_y) - 9.0) / 12.0, 0.0, 1.0)
+    return shape[..., None] * np.array(colour) * (1.0 * spark["power"] * fading)
 
 
 def window():

@@ -9,7 +9,7 @@
 namespace {
 
 constexpr int PICTURES = 44;       // the last two pictures of the blast are empty
-constexpr int WEAKENED = 20;       // picture whose smoke begins to get weak places
+constexpr int WEAKENED = 22;       // picture whose smoke begins to get weak places
 constexpr int STEPS = 2;           // per picture
 
 struct Event {
@@ -20,12 +20,12 @@ struct Event {
 // The first burst sets the size of the blast, the small ones keep its skin alive, and the one at 15
 // has grown over the ship by picture 18.
 const Event EVENTS[] = {
-    {-1.0f, {{0.0f, 0.0f, 0.0f, 0.0f}, 8.6f, 4.1f, 1.15f, 0.32f, 1.0f, 10}},
-    {4.5f, {{-13.0f, 9.0f, 12.0f, 0.0f}, 4.0f, 2.0f, 0.95f, 0.3f, 1.0f, 20}},
-    {7.0f, {{14.0f, -8.0f, 13.0f, 0.0f}, 4.0f, 2.0f, 0.95f, 0.3f, 1.0f, 30}},
-    {10.0f, {{6.0f, 15.0f, 14.0f, 0.0f}, 4.0f, 2.0f, 0.95f, 0.3f, 1.0f, 40}},
-    {12.5f, {{-10.0f, -12.0f, 14.0f, 0.0f}, 4.0f, 2.0f, 0.95f, 0.3f, 1.0f, 50}},
-    {15.0f, {{0.0f, 0.0f, 16.0f, 0.0f}, 13.0f, 2.1f, 1.15f, 0.35f, 1.5f, 60}},
+    {-1.0f, {{0.0f, 0.0f, 0.0f, 0.0f}, 8.85f, 4.25f, 1.15f, 0.32f, 1.0f, 10}},
+    {4.5f, {{-13.0f, 9.0f, 12.0f, 0.0f}, 4.5f, 1.9f, 0.90f, 0.7f, 2.0f, 20}},
+    {7.0f, {{14.0f, -8.0f, 13.0f, 0.0f}, 4.5f, 1.9f, 0.90f, 0.7f, 2.0f, 30}},
+    {10.0f, {{6.0f, 15.0f, 14.0f, 0.0f}, 4.5f, 1.9f, 0.90f, 0.7f, 2.0f, 40}},
+    {12.5f, {{-10.0f, -12.0f, 14.0f, 0.0f}, 4.5f, 1.9f, 0.90f, 0.7f, 2.0f, 50}},
+    {15.0f, {{1.2f, 1.2f, 11.0f, 0.0f}, 13.0f, 1.9f, 1.3f, 0.35f, 1.5f, 60}},
 };
 
 void lightEvents(Gas& gas, float from, float to) {
@@ -39,7 +39,7 @@ void lightEvents(Gas& gas, float from, float to) {
 // Gas time in a picture: the flash of picture 1 hides a leap, and the ball then grows slowly enough
 // for the eye to follow.
 float pace(int picture) {
-    const float slow = 0.30f + 0.06f * static_cast<float>(picture);
+    const float slow = 0.105f + 0.078f * static_cast<float>(picture);
     return picture == 0 ? 1.0f : picture == 1 ? 2.6f : slow < 1.0f ? slow : 1.0f;
 }
 

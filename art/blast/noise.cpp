@@ -15,11 +15,21 @@ int roundDown(float value) {
     return value < static_cast<float>(whole) ? whole - 1 : whole;
 }
 
-float corner(int x, int y, int z, unsigned seed) {
+// One of twelve slopes that lean along the edges of a cube, times the way from the corner.
+float corner(int x, int y, int z, Vec4 way, unsigned seed) {
     unsigned bits = scramble(static_cast<unsigned>(x) + seed * 0x9e3779b9u);
     bits = scramble(bits + static_cast<unsigned>(y));
     bits = scramble(bits + static_cast<unsigned>(z));
-    return static_cast<float>(bits >> 8) / 8388608.0f - 1.0f;
+    const unsigned edge = (bits >> 8) % 12u;
+    const unsigned first = edge < 8 ? 0u : 1u;
+    const unsigned second = edge < 4 ? 1u : 2u;
+    return (edge & 1u ? way[first] : -way[first]) + (edge & 2u ? way[second] : -way[second]);
+}
+
+// Turned so that no size of noise shares its grid with the pixels or with another size.
+Vec4 turned(Vec4 p) {
+    return vec4(0.36f * p[0] + 0.48f * p[1] - 0.80f * p[2], -0.80f * p[0] + 0.60f * p[1],
+                0.48f * p[0] + 0.64f * p[1] + 0.60f * p[2]);
 }
 
 float ease(float t) {
@@ -33,24 +43,28 @@ float mix(float a, float b, float share) {
 }  // namespace
 
 float noise(Vec4 place, unsigned seed) {
-    const int x = roundDown(place[0]);
-    const int y = roundDown(place[1]);
-    const int z = roundDown(place[2]);
-    const float across = ease(place[0] - static_cast<float>(x));
-    const float down = ease(place[1] - static_cast<float>(y));
+    const Vec4 p = turned(place);
+    const int x = roundDown(p[0]);
+    const int y = roundDown(p[1]);
+    const int z = roundDown(p[2]);
+    const Vec4 in = p - vec4(static_cast<float>(x), static_cast<float>(y), static_cast<float>(z));
     float sheets[2];
-    for (int i = 0; i < 2; ++i) {
-        const float upper = mix(corner(x, y, z + i, seed), corner(x + 1, y, z + i, seed), across);
-        const float lower =
-            mix(corner(x, y + 1, z + i, seed), corner(x + 1, y + 1, z + i, seed), across);
-        sheets[i] = mix(upper, lower, down);
+    for (int k = 0; k < 2; ++k) {
+        float rows[2];
+        for (int j = 0; j < 2; ++j) {
+            const Vec4 way = in - vec4(0.0f, static_cast<float>(j), static_cast<float>(k));
+            rows[j] = mix(corner(x, y + j, z + k, way, seed),
+                          corner(x + 1, y + j, z + k, way - vec4(1.0f, 0.0f, 0.0f), seed),
+                          ease(in[0]));
+        }
+        sheets[k] = mix(rows[0], rows[1], ease(in[1]));
     }
-    return mix(sheets[0], sheets[1], ease(place[2] - static_cast<float>(z)));
+    return mix(sheets[0], sheets[1], ease(in[2]));
 }
 
 float roughNoise(Vec4 place, unsigned seed) {
-    return (noise(place, seed) + 0.5f * noise(place * all(2.03f), seed + 1) +
-            0.25f * noise(place * all(4.01f), seed + 2)) /
+    return (noise(place, seed) + 0.5f * noise(turned(place) * all(2.03f), seed + 1) +
+            0.25f * noise(turned(turned(place)) * all(4.01f), seed + 2)) /
            1.4f;
 }
 

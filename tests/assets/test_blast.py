@@ -42,6 +42,12 @@ def radii(size, centre):
     return np.hypot(*np.meshgrid(at - centre[0], at - centre[1]))
 
 
+def brightest_neighbour(light):
+    """The largest of the eight values around each pixel; the border has no neighbours outside."""
+    moves = [(y, x) for y in (-1, 0, 1) for x in (-1, 0, 1) if x or y]
+    return np.max([np.roll(light, move, (0, 1)) for move in moves], axis=0)
+
+
 class Blast(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -149,23 +155,20 @@ class Blast(unittest.TestCase):
         self.assertGreater(greens[0], 0.60)
 
     def test_sparks_fly_outside_the_fireball(self):
-        for number in (4, 6, 8):
+        for number in (5, 6, 8):
             light = self.shown[number].max(axis=2)
             out = self.radius > self.lit_radius(number) + 1
-            peaks = light[1:-1, 1:-1]
-            around = np.max([np.roll(np.roll(light, dy, 0), dx, 1)[1:-1, 1:-1]
-                             for dy in (-1, 0, 1) for dx in (-1, 0, 1) if dx or dy], axis=0)
-            found = (peaks > 110) & (peaks >= around) & out[1:-1, 1:-1]
+            found = (light > 110) & (light >= brightest_neighbour(light)) & out
             with self.subTest(picture=number):
                 self.assertGreater(found.sum(), 12)
 
     def test_no_spark_looks_like_a_star(self):
-        for number, picture in enumerate(self.pictures):
-            outside = self.radius > 33
-            shown = self.shown[number]
-            grey = outside & (shown.max(axis=2) > 90) & (shown.max(axis=2) - shown.min(axis=2) < 40)
+        for number, shown in enumerate(self.shown):
+            light = shown.max(axis=2)
+            grey = (light > 60) & (light - shown.min(axis=2) < 0.35 * light)
+            alone = light > 2.5 * brightest_neighbour(light)
             with self.subTest(picture=number):
-                self.assertFalse(grey[picture[..., 3] > 0].any() and grey.any())
+                self.assertFalse((grey & alone).any())
 
     def test_the_second_burst_is_white_and_central(self):
         light = self.shown[17].max(axis=2) * (self.shown[17].min(axis=2) > 60)
@@ -183,7 +186,7 @@ class Blast(unittest.TestCase):
                     self.assertGreater(now, 1.2 * before)
                 else:
                     self.assertLess(now, 1.08 * before)
-                    self.assertGreater(now, before - 2.0)
+                    self.assertGreater(now, before - 3.0)
 
     def test_neighbouring_pictures_change_smoothly(self):
         for number in range(1, PICTURES):
@@ -197,7 +200,7 @@ class Blast(unittest.TestCase):
                 self.assertGreater(self.change[number], 2.0)
 
     def test_the_smoke_tears_instead_of_only_fading(self):
-        for number in (34, 37, 40):
+        for number in (36, 38, 40, 42):
             alpha = self.pictures[number][..., 3].astype(float)
             inside = alpha[self.radius < 26]
             with self.subTest(picture=number):
@@ -270,11 +273,11 @@ class HitFlash(unittest.TestCase):
 
     def test_the_flash_is_centred_between_lasers_and_enemy_shots(self):
         at = np.arange(16) + 0.5
-        for number in range(5):
+        for number, limit in enumerate((0.1, 0.1, 0.6, 0.6, 1.0)):
             weight = self.shown[number].mean(axis=2)
             with self.subTest(picture=number):
-                self.assertLess(abs((weight.sum(0) * at).sum() / weight.sum() - 9.0), 0.6)
-                self.assertLess(abs((weight.sum(1) * at).sum() / weight.sum() - 8.0), 0.6)
+                self.assertLess(abs((weight.sum(0) * at).sum() / weight.sum() - 9.0), limit)
+                self.assertLess(abs((weight.sum(1) * at).sum() / weight.sum() - 8.0), limit)
 
     def test_the_first_picture_is_a_small_spark(self):
         bright = self.shown[0].max(axis=2) > 128
@@ -288,14 +291,15 @@ class HitFlash(unittest.TestCase):
         self.assertIn(peak, (1, 2))
         for before, now in zip(light[2:], light[3:]):
             self.assertLess(now, before)
-        warmth = [shown[..., 1].sum() / shown[..., 0].sum() for shown in self.shown[1:6]]
+        warmth = [shown[..., 1].sum() / shown[..., 0].sum() for shown in self.shown[2:6]]
         for before, now in zip(warmth, warmth[1:]):
             self.assertLess(now, before)
 
     def test_the_ring_is_open_in_the_middle_and_broken(self):
         light = self.shown[3].max(axis=2)
         self.assertLess(light[self.radius < 1.5].mean(), 0.8 * light[abs(self.radius - 4.5) < 1].mean())
-        self.assertLess(light[abs(self.radius - 4.5) < 1].min(), 110)
+        around = light[abs(self.radius - 4.5) < 1]
+        self.assertLess(around.min(), 0.6 * around.max())
 
     def test_the_last_picture_is_empty(self):
         self.assertFalse(self.pictures[6].any())
