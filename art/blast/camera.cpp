@@ -6,27 +6,35 @@
 
 namespace {
 
-// gas
-constexpr float EXTINCTION = 0.55f;    // per px at soot 1
-constexpr float TEAR_FROM = 21.5f;     // picture from which weak smoke tears
-constexpr float TEAR_TO = 43.5f;       // and at which the strongest is gone
-constexpr float TEAR_EDGE = 0.35f;     // strength over which smoke goes from clear to full
-constexpr float RIM_FROM_PX = 32.0f;
-constexpr float RIM_RATE = 0.14f;
+// how thick the smoke is
+constexpr float EXTINCTION = 0.55f;   // per px at soot 1
+constexpr float RIM_PX = 32.0f;       // further out it gets thinner, the thinnest first,
+constexpr float RIM_RATE = 0.14f;     // so much soot per px, so that nothing ends in an edge
+constexpr float TEAR_FROM = 21.5f;    // picture from which weak smoke tears,
+constexpr float TEAR_TO = 43.5f;      // and at which nearly all is torn
+constexpr float TEAR_EDGE = 0.35f;    // strength over which smoke goes from clear to full
+constexpr float TORN_AT_LAST = 1.2f;  // strength, counted from the clear side of that edge
+constexpr float OLD_THINNING = 0.8f;  // share of the extinction that is gone in the end
 
 // light; directions point to the lamp, x right, y down, z to the viewer
 constexpr float KEY_X = -0.44f;
 constexpr float KEY_Y = -0.60f;
 constexpr float KEY_Z = 0.66f;
-constexpr float OLD_SHADOW = 2.5f;
-constexpr float KEY_SHADOW = 0.8f;    // share of the extinction that the key light feels
-const Vec4 KEY_COLOUR = {1.0f, 0.90f, 0.76f, 0.0f};
+constexpr float KEY_SHADOW = 0.8f;      // share of the extinction that the key light feels
+constexpr float OLD_KEY_SHADOW = 2.8f;  // in the end: thin smoke would look flat otherwise
+constexpr float SKY_SHADOW = 6.0f;      // how much thick smoke around darkens a place
+constexpr int SKY_WIDTH_CELLS = 5;
+constexpr int GLOW_WIDTH_CELLS = 4;  // how far the fire lights the smoke
+const Vec4 KEY_COLOUR = {2.40f, 2.16f, 1.824f, 0.0f};
 const Vec4 SKY_COLOUR = {0.20f, 0.19f, 0.22f, 0.0f};
-const Vec4 GLOW_COLOUR = {1.0f, 0.26f, 0.04f, 0.0f};
+const Vec4 GLOW_COLOUR = {9.0f, 2.34f, 0.36f, 0.0f};
 const Vec4 SMOKE_COLOUR = {0.066f, 0.045f, 0.036f, 0.0f};
-constexpr float GLOW_GAIN = 0.9f;
-constexpr float GLOW_WIDTH_CELLS = 4;
-constexpr float SKY_WIDTH_CELLS = 5;
+
+// Fire is not lit by the lamp, but lobes need form: heat looks this much lower in the shade.
+constexpr float SHADED_HEAT = 0.50f;
+constexpr float KEY_HEAT = 0.42f;
+constexpr float SKY_HEAT = 0.28f;
+constexpr float SMOKELESS_HEAT = 0.5f;  // fire hotter than this hides the colour of its smoke
 
 // Fire by heat: display colours over black, turned to linear light once.
 struct Shade {
@@ -40,18 +48,21 @@ const Shade FIRE[] = {
     {0.76f, 1.000f, 0.780f, 0.180f}, {0.90f, 1.000f, 0.930f, 0.500f},
     {1.05f, 1.000f, 1.000f, 0.920f},
 };
-constexpr int FIRE_STEPS = 256;
+constexpr int FIRE_STEPS = 1024;
 constexpr float FIRE_TOP = 1.05f;
 
 // rays
-constexpr int RAYS = 3;            // per pixel, both ways
+constexpr int RAYS = 3;  // per pixel, both ways
 constexpr float STRIDE_PX = 0.6f;
-constexpr float DARK = 0.004f;     // what is hidden this well is not looked at any more
+constexpr float DARK = 0.004f;  // what is hidden this well is not looked at any more
 
 constexpr int N = Gas::CELLS;
 constexpr float H = Gas::CELL_PX;
 constexpr int ROW = N;
 constexpr int SHEET = N * N;
+
+// What `body` holds.
+enum Body { THICKNESS, WARMTH, KEY_LIGHT, GLOW };
 
 float toLinear(float display) {
     return display <= 0.04045f ? display / 12.92f
@@ -125,67 +136,61 @@ void blur(std::vector<float>& field, int width) {
 
 }  // namespace
 
-Camera::Camera()
-    : body(N * SHEET, all(0.0f)), around(N * SHEET, all(0.0f)), haze(N * SHEET, 0.0f) {
-}
+Camera::Camera() : body(N * SHEET, all(0.0f)), sky(N * SHEET, all(0.0f)), haze(N * SHEET, 0.0f) {}
 
 void Camera::castShadows(float shadow) {
     // The light comes from the front, so each sheet of cells gets what the sheet before it lets by.
-    const float across = KEY_X / KEY_Z;
-    const float down = KEY_Y / KEY_Z;
     const float length = H / KEY_Z;
-    for (int z = N - 1; z >= 0; --z) {
-        for (int y = 0; y < N; ++y) {
-            for (int x = 0; x < N; ++x) {
-                const int i = z * SHEET + y * ROW + x;
-                const Vec4 before = vec4(static_cast<float>(x) + across,
-                                         static_cast<float>(y) + down, static_cast<float>(z + 1));
-                if (z == N - 1 || before[0] < 0.0f || before[1] < 0.0f) {
-                    body[i][2] = 1.0f;
-                    continue;
-                }
-                const Vec4 there = between(body, before);
-                body[i][2] = there[2] * left(there[0] * shadow * length);
-            }
+    for (int i = N * SHEET - 1; i >= 0; --i) {
+        const int x = i % N;
+        const int y = i / ROW % N;
+        const int z = i / SHEET;
+        const Vec4 before = vec4(static_cast<float>(x) + KEY_X / KEY_Z,
+                                 static_cast<float>(y) + KEY_Y / KEY_Z, static_cast<float>(z + 1));
+        if (z == N - 1 || before[0] < 0.0f || before[1] < 0.0f) {
+            body[i][KEY_LIGHT] = 1.0f;
+            continue;
         }
+        const Vec4 there = between(body, before);
+        body[i][KEY_LIGHT] = there[KEY_LIGHT] * left(there[THICKNESS] * shadow * length);
     }
 }
 
 void Camera::spreadGlow() {
     for (int i = 0; i < N * SHEET; ++i) {
-        haze[i] = fireColour(body[i][1])[0] * body[i][0];
+        haze[i] = fireColour(body[i][WARMTH])[0] * body[i][THICKNESS];
     }
     blur(haze, GLOW_WIDTH_CELLS);
     for (int i = 0; i < N * SHEET; ++i) {
-        body[i][3] = haze[i];
-        haze[i] = body[i][0];
-    }
-    blur(haze, SKY_WIDTH_CELLS);
-    for (int i = 0; i < N * SHEET; ++i) {
-        around[i][0] = 1.0f / (1.0f + 6.0f * haze[i] * haze[i]/ (EXTINCTION*EXTINCTION));
+        body[i][GLOW] = haze[i];
     }
 }
 
-void Camera::lightTheGas(const Gas& gas, float time) {
-    const float age = time > TEAR_FROM ? (time - TEAR_FROM) / (TEAR_TO - TEAR_FROM) : 0.0f;
+void Camera::openSky() {
+    for (int i = 0; i < N * SHEET; ++i) {
+        haze[i] = body[i][THICKNESS] / EXTINCTION;
+    }
+    blur(haze, SKY_WIDTH_CELLS);
+    for (int i = 0; i < N * SHEET; ++i) {
+        sky[i] = all(1.0f / (1.0f + SKY_SHADOW * haze[i] * haze[i]));
+    }
+}
+
+void Camera::thinTheSmoke(const Gas& gas, float age) {
     // Only smoke that is torn all the way through shows space, so tearing is fast at first.
-    const float torn = 1.2f * age * (1.4f - 0.4f * age) - TEAR_EDGE;
-    const float thickness = EXTINCTION * (1.0f - 0.8f * age);
+    const float torn = TORN_AT_LAST * age * (1.4f - 0.4f * age) - TEAR_EDGE;
+    const float thickness = EXTINCTION * (1.0f - OLD_THINNING * age);
     for (int i = 0; i < N * SHEET; ++i) {
         haze[i] = gas.cargo[i][STRENGTH];
     }
     blur(haze, 1);
     for (int i = 0; i < N * SHEET; ++i) {
         const Vec4 place = cellPlace(i % N, i / ROW % N, i / SHEET);
-        const float rim = std::sqrt(dot3(place, place)) - RIM_FROM_PX;
-        const float soot = gas.cargo[i][SOOT] - (rim > 0.0f ? rim * RIM_RATE : 0.0f);
-        float whole = age > 0.0f ? (haze[i] - torn) / TEAR_EDGE : 1.0f;
-        whole = whole < 0.0f ? 0.0f : whole > 1.0f ? 1.0f : whole;
-        body[i] = vec4(soot > 0.0f ? soot * whole * thickness : 0.0f, gas.cargo[i][HEAT], 1.0f);
+        const float outside = atLeastZero(std::sqrt(dot3(place, place)) - RIM_PX);
+        const float soot = atLeastZero(gas.cargo[i][SOOT] - outside * RIM_RATE);
+        const float whole = age > 0.0f ? zeroToOne((haze[i] - torn) / TEAR_EDGE) : 1.0f;
+        body[i] = vec4(soot * whole * thickness, gas.cargo[i][HEAT], 1.0f);
     }
-    // Thin old smoke would look flat: its shadows stay as deep as those of thick smoke.
-    castShadows(KEY_SHADOW * (1.0f + OLD_SHADOW * age));
-    spreadGlow();
 }
 
 Vec4 Camera::lookAlong(float x, float y) const {
@@ -197,29 +202,35 @@ Vec4 Camera::lookAlong(float x, float y) const {
     for (float z = reach; z > -reach && clear > DARK; z -= STRIDE_PX) {
         const Vec4 cell = (vec4(x, y, z) + all(half)) / all(H) - all(0.5f);
         const Vec4 b = between(body, cell);
-        if (b[0] < 1e-4f) {
+        if (b[THICKNESS] < 1e-4f) {
             continue;
         }
-        const Vec4 a = between(around, cell);
-        const float stays = left(b[0] * STRIDE_PX);
-        const Vec4 smoke = SMOKE_COLOUR * (KEY_COLOUR * all(2.4f * b[2]) + SKY_COLOUR * all(a[0]) +
-                                           GLOW_COLOUR * all(GLOW_GAIN * b[3] * 10.0f));
-        const float heat = b[1] * (0.50f + 0.42f * b[2] + 0.28f * a[0]);
+        const Vec4 open = between(sky, cell);
+        const Vec4 light =
+            KEY_COLOUR * all(b[KEY_LIGHT]) + SKY_COLOUR * open + GLOW_COLOUR * all(b[GLOW]);
+        const float stays = left(b[THICKNESS] * STRIDE_PX);
         const float share = clear * (1.0f - stays);
-        seen += smoke * all(share * (b[1] < 0.5f ? 1.0f - 2.0f * b[1] : 0.0f));
+        const float cold = atLeastZero(1.0f - b[WARMTH] / SMOKELESS_HEAT);
+        seen += SMOKE_COLOUR * light * all(share * cold);
+        const float heat = b[WARMTH] * (SHADED_HEAT + KEY_HEAT * b[KEY_LIGHT] + SKY_HEAT * open[0]);
         warmth += share * heat * heat * heat * heat;
         clear *= stays;
     }
-    // One colour for the mean heat: white and red light mixed would be pink, and fire never is.
     if (clear < 1.0f) {
-        seen += fireColour(std::sqrt(std::sqrt(warmth / (1.0f - clear)))) * all(1.0f - clear);
+        // One colour for the mean heat: white and red light added would be pink, and fire never is.
+        const float mean = std::sqrt(std::sqrt(warmth / (1.0f - clear)));
+        seen += fireColour(mean) * all(1.0f - clear);
     }
     seen[3] = 1.0f - clear;
     return seen;
 }
 
 std::vector<Vec4> Camera::photograph(const Gas& gas, float time) {
-    lightTheGas(gas, time);
+    const float age = atLeastZero((time - TEAR_FROM) / (TEAR_TO - TEAR_FROM));
+    thinTheSmoke(gas, age);
+    castShadows(KEY_SHADOW + (OLD_KEY_SHADOW - KEY_SHADOW) * age);
+    spreadGlow();
+    openSky();
     std::vector<Vec4> picture(WIDTH * WIDTH, all(0.0f));
     const float reach = 0.5f * Gas::CUBE_PX - 1.0f;
     for (int i = 0; i < WIDTH * WIDTH; ++i) {

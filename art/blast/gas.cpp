@@ -8,30 +8,45 @@
 
 namespace {
 
-// burning
+// the ball that is lit
+constexpr float WIDE_DENTS = 2.8f;  // around the ball, per radian
+constexpr float FINE_DENTS = 5.6f;
+constexpr float WIDE_DENTS_SHARE = 0.55f;
+constexpr float MOTTLES = 3.6f;       // spots of more and of less heat, soot and fuel, per radius
+constexpr float HEAT_MOTTLE = 0.35f;  // shares by which they differ
+constexpr float SOOT_MOTTLE = 0.20f;
+constexpr float FUEL_MOTTLE = 0.30f;
+constexpr float START_SWIRL = 0.4f;    // share of the burst's speed
+constexpr float SURFACE_CELLS = 1.5f;  // softness of its surface
+
+// burning and cooling
 constexpr float BURN_RATE = 0.155f;     // per unit of fuel and picture: fast at first, a long tail
 constexpr float BURN_HEAT = 0.10f;      // heat per unit of burnt fuel
-constexpr float COOLING = 0.022f;       // share of heat lost per picture everywhere
+constexpr float COOLING = 0.022f;       // share of heat lost per picture everywhere,
+constexpr float WHITE_COOLING = 0.04f;  // more the hotter it is,
 constexpr float SKIN_COOLING = 0.20f;   // and at the surface, where the gas shines into space
-constexpr float PATCH_WIDTH_PX = 16.0f; // strong and weak patches of smoke
-constexpr unsigned PATCH_SEED = 970;
+constexpr int SKIN_CELLS = 2;           // depth of the surface
 
 // motion
-constexpr float LIFT_PX = 1.0f;         // px per picture^2 by which hot gas climbs outwards
-constexpr float CONFINEMENT = 0.28f;    // how much of the small rolling is given back
-constexpr float OLD_CONFINEMENT = 0.1f; // the same in old smoke
-constexpr float STICKINESS = 0.25f;     // share of the neighbours' speed taken over per step
-constexpr float OLD_STICKINESS = 0.6f;  // the same in old smoke
-constexpr float CALM_RADIUS_PX = 23.0f; // outside, the air slows the gas down
-constexpr float CALM_DRAG = 0.10f;      // per picture and px outside
-constexpr float RECOIL = 0.8f;         // px per picture^2 and px off the middle
-constexpr float DRAG = 0.05f;           // share of speed lost per picture everywhere
-constexpr float STIR_PX = 0.5f;        // px per picture^2 of the breeze that keeps smoke moving
-constexpr float STIR_WIDTH_PX = 15.0f;
-constexpr unsigned STIR_SEED = 900;
-constexpr float BOIL_PX = 2.2f;         // px per picture^2 of the small turmoil in hot gas
+constexpr float LIFT_PX = 1.0f;  // px per picture^2 by which hot gas climbs outwards
+constexpr float BOIL_PX = 2.2f;  // px per picture^2 of the small turmoil in hot gas
 constexpr float BOIL_WIDTH_PX = 7.0f;
 constexpr unsigned BOIL_SEED = 950;
+constexpr float BREEZE_PX = 0.5f;  // px per picture^2 of the air that keeps old smoke moving
+constexpr float BREEZE_WIDTH_PX = 15.0f;
+constexpr unsigned BREEZE_SEED = 900;
+constexpr float DRAG = 0.05f;            // share of speed lost per picture everywhere,
+constexpr float CALM_RADIUS_PX = 23.0f;  // and outside of this
+constexpr float CALM_DRAG = 0.10f;       // so much more per px
+constexpr float RECOIL = 0.8f;           // px per picture^2 and px off the middle
+constexpr float STICKINESS = 0.35f;      // share of the neighbours' speed taken over per step
+constexpr float OLD_STICKINESS = 0.6f;   // the same in weakened smoke
+constexpr float MENDING = 0.28f;         // 0.5 keeps all detail, and shows the squares of the grid
+
+// weak and strong smoke
+constexpr float PATCH_WIDTH_PX = 16.0f;
+constexpr float PATCH_SPREAD = 0.8f;  // of the strength around 0.5
+constexpr unsigned PATCH_SEED = 970;
 
 // pressure
 constexpr int SWEEPS = 36;
@@ -41,6 +56,7 @@ constexpr int N = Gas::CELLS;
 constexpr float H = Gas::CELL_PX;
 constexpr int ROW = N;
 constexpr int SHEET = N * N;
+
 // Nothing happens in the corners of the cube.
 constexpr float REACH_PX = 41.0f;
 
@@ -77,8 +93,7 @@ struct Spans {
 const Spans spans;
 
 // Calls work(cell, x, y, z) for every cell of the ball.
-template <class Work>
-void eachCell(Work work) {
+template <class Work> void eachCell(Work work) {
     for (int z = 1; z < N - 1; ++z) {
         for (int y = 1; y < N - 1; ++y) {
             const Span span = spans.of[z][y];
@@ -89,15 +104,25 @@ void eachCell(Work work) {
     }
 }
 
-Vec4 outward(Vec4 place) {
-    return place / all(std::sqrt(dot3(place, place)) + 1.0f);
+// How far the surface of a ball bulges (positive) or dents in a direction.
+float dentTowards(Vec4 facing, unsigned seed) {
+    return noise(facing * all(WIDE_DENTS), seed) * WIDE_DENTS_SHARE +
+           noise(facing * all(FINE_DENTS), seed + 1) * (1.0f - WIDE_DENTS_SHARE);
+}
+
+// Share of the smoke between a burst and the viewer that the burst blows away: a burst in the midst
+// of smoke would not be seen.
+float blownAway(Vec4 place, float radius) {
+    const float aside = std::sqrt(place[0] * place[0] + place[1] * place[1]) / radius;
+    return place[2] < 0.0f ? 0.0f : zeroToOne(3.0f - 2.2f * aside);
 }
 
 }  // namespace
 
 Vec4 cellPlace(int x, int y, int z) {
     const float half = 0.5f * Gas::CUBE_PX;
-    return vec4((static_cast<float>(x) + 0.5f) * H - half, (static_cast<float>(y) + 0.5f) * H - half,
+    return vec4((static_cast<float>(x) + 0.5f) * H - half,
+                (static_cast<float>(y) + 0.5f) * H - half,
                 (static_cast<float>(z) + 0.5f) * H - half);
 }
 
@@ -130,78 +155,74 @@ Gas::Gas()
       from(N * SHEET, all(0.0f)),
       to(N * SHEET, all(0.0f)),
       moved(N * SHEET, all(0.0f)),
-      spin(N * SHEET, all(0.0f)) {
+      mended(N * SHEET, all(0.0f)) {
     eachCell([&](int i, int x, int y, int z) {
-        breeze[i] = swirl(cellPlace(x, y, z) * all(1.0f / STIR_WIDTH_PX), STIR_SEED);
-        boiling[i] = swirl(cellPlace(x, y, z) * all(1.0f / BOIL_WIDTH_PX), BOIL_SEED);
+        const Vec4 place = cellPlace(x, y, z);
+        boiling[i] = swirl(place * all(1.0f / BOIL_WIDTH_PX), BOIL_SEED);
+        breeze[i] = swirl(place * all(1.0f / BREEZE_WIDTH_PX), BREEZE_SEED);
     });
 }
 
-// How much of the smoke between a burst and the viewer the burst blows away: without this window
-// the old smoke would hide it.
-float ahead(Vec4 place, float radius) {
-    const float aside = std::sqrt(place[0] * place[0] + place[1] * place[1]);
-    const float share = 3.0f - 2.2f * aside / radius;
-    return place[2] < 0.0f || share < 0.0f ? 0.0f : share > 1.0f ? 1.0f : share;
-}
-
 void Gas::light(const Burst& burst) {
-    const Vec4 lumps = all(3.6f / burst.radius);
     eachCell([&](int i, int x, int y, int z) {
         const Vec4 place = cellPlace(x, y, z) - burst.centre;
         const float distance = std::sqrt(dot3(place, place));
         // Dents follow the direction, so the ball stays whole and its lobes point outwards.
         const Vec4 facing = place / all(distance + 0.5f);
-        const float dent = noise(facing * all(2.8f), burst.seed) * 0.55f +
-                           noise(facing * all(5.6f), burst.seed + 1) * 0.45f;
+        const float dent = dentTowards(facing, burst.seed);
         const float surface = burst.radius * (1.0f + burst.unevenness * dent);
-        float inside = (surface - distance) / (1.5f * H) + 0.5f;
-        inside = inside < 0.0f ? 0.0f : inside > 1.0f ? 1.0f : inside;
+        const float inside = zeroToOne((surface - distance) / (SURFACE_CELLS * H) + 0.5f);
         if (inside <= 0.0f) {
-            cargo[i][SOOT] *= 1.0f - ahead(place, burst.radius);
+            cargo[i][SOOT] *= 1.0f - blownAway(place, burst.radius);
             return;
         }
-        const float mottle = roughNoise(place * lumps, burst.seed + 2);
-        const Vec4 lit = vec4(burst.heat * (1.0f + 0.35f * mottle), 1.0f + 0.2f * mottle,
-                              burst.fuel * (1.0f + 0.3f * mottle), cargo[i][STRENGTH]);
+        const Vec4 spots = place * all(MOTTLES / burst.radius);
+        const float mottle = roughNoise(spots, burst.seed + 2);
+        const Vec4 lit =
+            vec4(burst.heat * (1.0f + HEAT_MOTTLE * mottle), 1.0f + SOOT_MOTTLE * mottle,
+                 burst.fuel * (1.0f + FUEL_MOTTLE * mottle), cargo[i][STRENGTH]);
         cargo[i] += (lit - cargo[i]) * all(inside);
-        flow[i] += (facing * all(burst.speed * (0.3f + dent)) +
-                    swirl(place * lumps, burst.seed + 5) * all(0.4f * burst.speed)) *
-                   all(inside);
+        flow[i] += (facing * all(0.3f + dent) + swirl(spots, burst.seed + 5) * all(START_SWIRL)) *
+                   all(burst.speed * inside);
     });
 }
 
 void Gas::weaken() {
     weakened = true;
     eachCell([&](int i, int x, int y, int z) {
-        const Vec4 place = cellPlace(x, y, z) * all(1.0f / PATCH_WIDTH_PX);
-        cargo[i][STRENGTH] =
-            0.5f + 0.8f * (noise(place, PATCH_SEED) + 0.4f * noise(place * all(2.3f), PATCH_SEED + 1));
+        const Vec4 patch = cellPlace(x, y, z) * all(1.0f / PATCH_WIDTH_PX);
+        const float rough =
+            noise(patch, PATCH_SEED) + 0.4f * noise(patch * all(2.3f), PATCH_SEED + 1);
+        cargo[i][STRENGTH] = 0.5f + PATCH_SPREAD * rough;
     });
+}
+
+// Share of a cell's surface that has clear space in front of it.
+float Gas::openSides(int cell) const {
+    const int ways[] = {SKIN_CELLS,        -SKIN_CELLS,        SKIN_CELLS * ROW,
+                        -SKIN_CELLS * ROW, SKIN_CELLS * SHEET, -SKIN_CELLS * SHEET};
+    float open = 0.0f;
+    for (int way : ways) {
+        const int there = cell + way;
+        const bool inCube = there >= 0 && there < N * SHEET;
+        open += 1.0f - zeroToOne(inCube ? cargo[there][SOOT] : 0.0f);
+    }
+    return open / 6.0f;
 }
 
 void Gas::burn(float dt) {
     eachCell([&](int i, int, int, int) {
         Vec4& c = cargo[i];
-        const float burnt = c[FUEL] * c[FUEL] * BURN_RATE;
-        c[FUEL] = c[FUEL] / (1.0f + BURN_RATE * c[FUEL] * dt);
+        const float burnt = BURN_RATE * c[FUEL] * c[FUEL];
+        c[FUEL] /= 1.0f + BURN_RATE * c[FUEL] * dt;
         swelling[i] = burnt;
-        // A cell with clear neighbours is skin and radiates freely.
-        float cover = 0.0f;
-        const int far = 2;
-        const int ways[6] = {far, -far, far * ROW, -far * ROW, far * SHEET, -far * SHEET};
-        for (int way : ways) {
-            const int j = i + way;
-            const float soot = j >= 0 && j < N * SHEET ? cargo[j][SOOT] : 0.0f;
-            cover += soot > 1.0f ? 1.0f : soot;
-        }
-        const float skin = 1.0f - cover / 6.0f;
-        const float loss = COOLING + SKIN_COOLING * skin * skin + 0.04f * c[HEAT] * c[HEAT];
-        c[HEAT] = (c[HEAT] + burnt * BURN_HEAT * dt) / (1.0f + loss * dt);
+        const float skin = openSides(i);
+        const float loss = COOLING + WHITE_COOLING * c[HEAT] * c[HEAT] + SKIN_COOLING * skin * skin;
+        c[HEAT] = (c[HEAT] + BURN_HEAT * burnt * dt) / (1.0f + loss * dt);
     });
 }
 
-// Lobes differ, and their differences would carry the whole blast off: pull it back to the middle.
+// The lobes are unlike, which would carry the whole blast off: this pulls it back over the ship.
 Vec4 Gas::recoil() const {
     Vec4 sum = all(0.0f);
     float weight = 1e-6f;
@@ -210,44 +231,23 @@ Vec4 Gas::recoil() const {
         sum += cellPlace(x, y, z) * all(share);
         weight += share;
     });
+    sum[2] = 0.0f;
     return sum * all(-RECOIL / weight);
 }
 
 void Gas::push(float dt) {
-    Vec4 back = recoil();
-    back[2] = 0.0f;
+    const Vec4 back = recoil();
     eachCell([&](int i, int x, int y, int z) {
         const Vec4 place = cellPlace(x, y, z);
-        const Vec4 c = cargo[i];
-        const float filled = c[SOOT] > 1.0f ? 1.0f : c[SOOT];
-        flow[i] += (outward(place) * all(LIFT_PX * c[HEAT]) + breeze[i] * all(STIR_PX * filled) +
-                    boiling[i] * all(BOIL_PX * c[HEAT] * filled)) *
-                   all(dt);
+        const float heat = cargo[i][HEAT];
+        const float soot = zeroToOne(cargo[i][SOOT]);
         const float radius = std::sqrt(dot3(place, place));
-        const float outside = radius > CALM_RADIUS_PX ? radius - CALM_RADIUS_PX : 0.0f;
-        flow[i] += back * all(dt);
-        flow[i] = flow[i] / all(1.0f + (DRAG + CALM_DRAG * outside) * dt);
-    });
-}
-
-void Gas::curl(float dt) {
-    const float given = weakened ? OLD_CONFINEMENT : CONFINEMENT;
-    const float scale = 0.5f / H;
-    eachCell([&](int i, int, int, int) {
-        const Vec4 dx = flow[i + 1] - flow[i - 1];
-        const Vec4 dy = flow[i + ROW] - flow[i - ROW];
-        const Vec4 dz = flow[i + SHEET] - flow[i - SHEET];
-        Vec4 turning = vec4(dy[2] - dz[1], dz[0] - dx[2], dx[1] - dy[0]) * all(scale);
-        turning[3] = std::sqrt(dot3(turning, turning));
-        spin[i] = turning;
-    });
-    eachCell([&](int i, int, int, int) {
-        const Vec4 slope = vec4(spin[i + 1][3] - spin[i - 1][3], spin[i + ROW][3] - spin[i - ROW][3],
-                                spin[i + SHEET][3] - spin[i - SHEET][3]);
-        const float steepness = std::sqrt(dot3(slope, slope));
-        if (steepness > 1e-4f) {
-            flow[i] += cross3(slope / all(steepness), spin[i]) * all(given * H * dt);
-        }
+        // Hot gas climbs away from the middle, as it would climb from the ground: this rolls lobes.
+        const Vec4 lift = place * all(LIFT_PX * heat / (radius + 1.0f));
+        const Vec4 stir =
+            boiling[i] * all(BOIL_PX * heat * soot) + breeze[i] * all(BREEZE_PX * soot);
+        const float drag = DRAG + CALM_DRAG * atLeastZero(radius - CALM_RADIUS_PX);
+        flow[i] = (flow[i] + (lift + stir + back) * all(dt)) / all(1.0f + drag * dt);
     });
 }
 
@@ -309,16 +309,15 @@ void Gas::trace(float dt) {
 
 void Gas::carry(std::vector<Vec4>& field) {
     eachCell([&](int i, int, int, int) { moved[i] = between(field, from[i]); });
-    // Carry the result back: what differs from the start was lost on the way, half of it each way.
+    // Carried back, what differs from the start was lost on the way: half of it each way.
     eachCell([&](int i, int, int, int) {
-        const Vec4 mended = moved[i] + (field[i] - between(moved, to[i])) * all(0.5f);
-        spin[i] = mended;
+        mended[i] = moved[i] + (field[i] - between(moved, to[i])) * all(MENDING);
     });
     // A mended value must lie between those it came from, or edges ring.
     eachCell([&](int i, int, int, int) {
         const Vec4 p = smaller(larger(from[i], all(0.0f)), all(static_cast<float>(N) - 1.01f));
-        const int j = static_cast<int>(p[2]) * SHEET + static_cast<int>(p[1]) * ROW +
-                      static_cast<int>(p[0]);
+        const int j =
+            static_cast<int>(p[2]) * SHEET + static_cast<int>(p[1]) * ROW + static_cast<int>(p[0]);
         Vec4 low = field[j];
         Vec4 high = field[j];
         const int others[7] = {1, ROW, ROW + 1, SHEET, SHEET + 1, SHEET + ROW, SHEET + ROW + 1};
@@ -326,7 +325,7 @@ void Gas::carry(std::vector<Vec4>& field) {
             low = smaller(low, field[j + other]);
             high = larger(high, field[j + other]);
         }
-        moved[i] = smaller(larger(spin[i], low), high);
+        moved[i] = smaller(larger(mended[i], low), high);
     });
     field.swap(moved);
 }
@@ -334,7 +333,6 @@ void Gas::carry(std::vector<Vec4>& field) {
 void Gas::step(float dt) {
     burn(dt);
     push(dt);
-    curl(dt);
     smooth();
     keepVolume();
     trace(dt);

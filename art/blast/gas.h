@@ -9,27 +9,28 @@
 
 // A ball of fuel that is lit in the gas.
 struct Burst {
-    Vec4 centre;     // px from the middle of the blast
-    float radius;    // px, before it swells
-    float fuel;      // it swells to e^(fuel / 3) times its radius
-    float heat;      // 1 is white
+    Vec4 centre;       // px from the middle of the blast
+    float radius;      // px, before it swells
+    float fuel;        // it swells to e^(fuel / 3) times its radius
+    float heat;        // 1 is white
     float unevenness;  // share of the radius by which its surface is dented and bulged
-    float speed;     // px per picture with which its lumps fly apart
-    unsigned seed;
+    float speed;       // px per picture with which its lumps fly apart
+    unsigned seed;     // of its dents and spots
 };
 
 // What a piece of gas carries.
 enum Cargo { HEAT, SOOT, FUEL, STRENGTH };
 
-// Burning gas in a cube around the middle of the blast, stepped by main: light(), then step().
+// Burning gas in a cube around the middle of the blast, driven by main: light() what is due, then
+// step(), and weaken() once when the smoke gets old.
 // Lengths are pixels, times are pictures. x grows to the right, y down, z towards the viewer; the
 // middle of the blast is the origin. Heat runs from 0 (cold) to 1 (white), soot from 0 (clear) to
-// about 1 (opaque after three pixels). Gas is carried, not thinned: where burning fuel makes new
-// volume, the ball swells and stays as dense as it was.
+// about 1 (thick smoke), strength from about 0 (smoke that tears first) to 1. Gas is carried, not
+// thinned: where burning fuel makes new volume, the ball swells and stays as dense as it was.
 class Gas {
 public:
-    static constexpr int CELLS = 112;             // per edge of the cube
-    static constexpr float CUBE_PX = 84.0f;      // edge of the cube
+    static constexpr int CELLS = 112;        // along an edge of the cube
+    static constexpr float CUBE_PX = 84.0f;  // edge of the cube
     static constexpr float CELL_PX = CUBE_PX / CELLS;
 
     Gas();
@@ -48,26 +49,27 @@ public:
 
 private:
     void burn(float dt);
-    Vec4 recoil() const;
+    float openSides(int cell) const;
     void push(float dt);
-    void curl(float dt);
+    Vec4 recoil() const;
     void smooth();
     void keepVolume();
     void relaxPressure();
-    void carry(std::vector<Vec4>& field);
     void trace(float dt);
+    void carry(std::vector<Vec4>& field);
 
+    // motion
+    std::vector<Vec4> flow;       // px per picture
+    std::vector<Vec4> boiling;    // swirls that stand still while the gas moves through them: small
+    std::vector<Vec4> breeze;     // ones in hot gas, wide ones in all smoke
+    std::vector<float> swelling;  // new volume per volume and picture
+    std::vector<float> pressure;  // kept from step to step, which saves half the sweeps
     bool weakened = false;
-    std::vector<Vec4> flow;        // px per picture
-    std::vector<Vec4> boiling;     // small turmoil, and wide:
-    std::vector<Vec4> breeze;      // the same at all times; the gas moves through it
-    std::vector<float> swelling;   // new volume per volume and picture
-    std::vector<float> pressure;   // kept from step to step, which saves half the sweeps
     // scratch
-    std::vector<Vec4> from;        // where the gas of a cell was a step ago, in cells
-    std::vector<Vec4> to;          // where it will be a step later, in cells
+    std::vector<Vec4> from;  // where the gas of a cell was a step ago, in cells
+    std::vector<Vec4> to;    // where it will be a step later, in cells
     std::vector<Vec4> moved;
-    std::vector<Vec4> spin;
+    std::vector<Vec4> mended;
 };
 
 // Middle of a cell, px from the middle of the blast.

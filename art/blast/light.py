@@ -28,7 +28,7 @@ STRENGTH = np.array((1.2, 0.95, 0.6))
 WINDOW_PX = (35.0, 40.2)
 
 # sparks: (picture of the burst, how many, how far the farthest flies in px)
-SHOWERS = ((0.0, 38, 38.5), (15.3, 18, 37.5))
+SHOWERS = ((-0.3, 46, 38.5), (15.3, 18, 37.5))
 SPARK_SEED = 36
 SPARK_WIDTH_PX = 0.62
 SPARK_SHORTEST_PX = 3.0

@@ -53,9 +53,9 @@ float noise(Vec4 place, unsigned seed) {
         float rows[2];
         for (int j = 0; j < 2; ++j) {
             const Vec4 way = in - vec4(0.0f, static_cast<float>(j), static_cast<float>(k));
-            rows[j] = mix(corner(x, y + j, z + k, way, seed),
-                          corner(x + 1, y + j, z + k, way - vec4(1.0f, 0.0f, 0.0f), seed),
-                          ease(in[0]));
+            rows[j] =
+                mix(corner(x, y + j, z + k, way, seed),
+                    corner(x + 1, y + j, z + k, way - vec4(1.0f, 0.0f, 0.0f), seed), ease(in[0]));
         }
         sheets[k] = mix(rows[0], rows[1], ease(in[1]));
     }
@@ -70,7 +70,7 @@ float roughNoise(Vec4 place, unsigned seed) {
 
 Vec4 swirl(Vec4 place, unsigned seed) {
     const float reach = 0.1f;
-    Vec4 slopes[3];
+    Vec4 slopes[3] = {all(0.0f), all(0.0f), all(0.0f)};
     for (int axis = 0; axis < 3; ++axis) {
         Vec4 step = all(0.0f);
         step[axis] = reach;

@@ -19,8 +19,12 @@ inline float dot3(Vec4 a, Vec4 b) {
     return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
-inline Vec4 cross3(Vec4 a, Vec4 b) {
-    return vec4(a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]);
+inline float atLeastZero(float value) {
+    return value < 0.0f ? 0.0f : value;
+}
+
+inline float zeroToOne(float value) {
+    return value < 0.0f ? 0.0f : value > 1.0f ? 1.0f : value;
 }
 
 inline Vec4 smaller(Vec4 a, Vec4 b) {
