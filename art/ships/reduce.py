@@ -45,11 +45,11 @@ def neighbours(layer):
     return sum(padded[y:y + height, x:x + width] for y in range(3) for x in range(3)) / 9
 
 
-def sharpen(colour, alpha):
+def sharpen(colour, alpha, share):
     """Unsharp mask whose surroundings count only as far as they belong to the thing."""
     weight = np.maximum(neighbours(alpha), 1e-4)
     around = neighbours(colour * alpha) / weight
-    return np.clip(colour + SHARPENING * alpha * (colour - around), 0.0, 1.0)
+    return np.clip(colour + share * alpha * (colour - around), 0.0, 1.0)
 
 
 def steepen(colour):
@@ -57,7 +57,7 @@ def steepen(colour):
     return colour + CONTRAST * (colour * colour * (3 - 2 * colour) - colour)
 
 
-def reduce_picture(large, width, height):
+def reduce_picture(large, width, height, sharpening=SHARPENING):
     """8-bit RGBA picture of a large straight RGBA one.
 
     Coverage goes through the display curve, because the game blends display values: over black an
@@ -69,5 +69,5 @@ def reduce_picture(large, width, height):
     small = np.clip(shrink(np.dstack([light, alpha]), width, height), 0.0, 1.0)
     coverage = small[..., 3:]
     colour = kit.to_srgb(small[..., :3] / np.maximum(coverage, 1e-4))
-    colour = steepen(sharpen(colour, coverage))
+    colour = steepen(sharpen(colour, coverage, sharpening))
     return kit.to_bytes(np.dstack([colour, kit.to_srgb(coverage)]))

@@ -1,0 +1,75 @@
+#!/usr/bin/python3
+# SPDX-FileCopyrightText: 2026 The KRAVOLTIX developers
+# SPDX-License-Identifier: MIT
+#
+# Measures the desktop icon in all its sizes; it lies beside the data folder.
+# usage: test_icon.py DATA_DIR
+
+import os
+import sys
+import unittest
+import xml.etree.ElementTree
+
+import numpy as np
+from PIL import Image
+
+DATA = "data"
+FOLDER = "../dist/linux/share/icons/hicolor"
+SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
+LUMA = np.array([0.299, 0.587, 0.114])
+
+
+def path(folder, name):
+    return os.path.join(DATA, FOLDER, folder, "apps", name)
+
+
+def load(size):
+    return np.array(Image.open(path(f"{size}x{size}", "kravoltix.png")))
+
+
+class DesktopIcon(unittest.TestCase):
+    def test_exists_in_every_size_with_clear_corners(self):
+        for size in SIZES:
+            with self.subTest(size):
+                picture = load(size)
+                self.assertEqual(picture.shape, (size, size, 4))
+                self.assertTrue((picture[[0, 0, -1, -1], [0, -1, 0, -1], 3] < 64).all())
+                self.assertEqual(picture[size // 2, size // 2, 3], 255)
+
+    def test_light_ship_stands_out_from_its_dark_tile(self):
+        for size in SIZES:
+            with self.subTest(size):
+                picture = load(size)
+                light = picture[..., :3] @ LUMA / 255
+                inside = picture[..., 3] == 255
+                self.assertGreater((light[inside] > 0.55).mean(), 0.05)
+                self.assertGreater((light[inside] < 0.20).mean(), 0.25)
+
+    def test_shows_hull_wing_and_accent_in_every_size(self):
+        for size in SIZES:
+            with self.subTest(size):
+                red, green, blue, _ = np.moveaxis(load(size).astype(int), -1, 0)
+                self.assertGreater(((blue - red > 90) & (blue > 150)).mean(), 0.03)
+                self.assertGreater(((red - blue > 70) & (red > 170)).mean(), 0.008)
+                self.assertGreater(((red > 160) & (np.abs(red - blue) < 50)).mean(), 0.03)
+
+    def test_ship_sits_in_the_middle_of_its_tile(self):
+        for size in SIZES:
+            with self.subTest(size):
+                picture = load(size).astype(int)
+                margin = max(2, size // 12)
+                spread = picture[..., :3].max(axis=2) > 130
+                rows, columns = np.nonzero(spread[margin:-margin, margin:-margin])
+                for places in (rows, columns):
+                    centre = (places.min() + places.max() + 1) / 2 + margin
+                    self.assertAlmostEqual(centre / size, 0.5, delta=0.08)
+
+    def test_drawing_is_well_formed_and_square(self):
+        root = xml.etree.ElementTree.parse(path("scalable", "kravoltix.svg")).getroot()
+        self.assertEqual(root.get("viewBox"), "0 0 512 512")
+
+
+if __name__ == "__main__":
+    if len(sys.argv) > 1:
+        DATA = sys.argv.pop(1)
+    unittest.main()
