@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: CC0-1.0
 # What every picture of the game goes through: the encoding of its pixels, the game's own blend for
 # previews, the game's sky, and contact sheets.
 #
