@@ -10,6 +10,7 @@ namespace {
 constexpr float EXTINCTION = 0.55f;   // per px at soot 1
 constexpr float RIM_PX = 32.0f;       // further out it gets thinner, the thinnest first,
 constexpr float RIM_RATE = 0.14f;     // so much soot per px, so that nothing ends in an edge
+constexpr float RIM_COOLING = 0.06f;  // and cooler by this share per px: dimmed yellow is olive
 constexpr float TEAR_FROM = 21.5f;    // picture from which weak smoke tears,
 constexpr float TEAR_TO = 43.5f;      // and at which nearly all is torn
 constexpr float TEAR_EDGE = 0.35f;    // strength over which smoke goes from clear to full
@@ -189,7 +190,10 @@ void Camera::thinTheSmoke(const Gas& gas, float age) {
         const float outside = atLeastZero(std::sqrt(dot3(place, place)) - RIM_PX);
         const float soot = atLeastZero(gas.cargo[i][SOOT] - outside * RIM_RATE);
         const float whole = age > 0.0f ? zeroToOne((haze[i] - torn) / TEAR_EDGE) : 1.0f;
-        body[i] = vec4(soot * whole * thickness, gas.cargo[i][HEAT], 1.0f);
+        const float aside = std::sqrt(place[0] * place[0] + place[1] * place[1]);
+        const float cooling = RIM_COOLING * atLeastZero(aside - RIM_PX);
+        const float heat = gas.cargo[i][HEAT] * atLeastZero(1.0f - cooling);
+        body[i] = vec4(soot * whole * thickness, heat, 1.0f);
     }
 }
 

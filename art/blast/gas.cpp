@@ -29,9 +29,10 @@ constexpr int SKIN_CELLS = 2;           // depth of the surface
 
 // motion
 constexpr float LIFT_PX = 1.0f;  // px per picture^2 by which hot gas climbs outwards
-constexpr float BOIL_PX = 2.2f;  // px per picture^2 of the small turmoil in hot gas
+constexpr float BOIL_PX = 1.8f;  // px per picture^2 of the small turmoil in hot gas
 constexpr float BOIL_WIDTH_PX = 7.0f;
-constexpr unsigned BOIL_SEED = 950;
+constexpr unsigned BOIL_SEED = 1550;
+const Vec4 BOIL_DRIFT_PX = {0.45f, -0.35f, 0.4f, 0.0f};  // per picture
 constexpr float BREEZE_PX = 0.5f;  // px per picture^2 of the air that keeps old smoke moving
 constexpr float BREEZE_WIDTH_PX = 15.0f;
 constexpr unsigned BREEZE_SEED = 900;
@@ -149,6 +150,7 @@ Gas::Gas()
     : cargo(N * SHEET, all(0.0f)),
       flow(N * SHEET, all(0.0f)),
       boiling(N * SHEET, all(0.0f)),
+      seething(N * SHEET, all(0.0f)),
       breeze(N * SHEET, all(0.0f)),
       swelling(N * SHEET, 0.0f),
       pressure(N * SHEET, 0.0f),
@@ -159,6 +161,7 @@ Gas::Gas()
     eachCell([&](int i, int x, int y, int z) {
         const Vec4 place = cellPlace(x, y, z);
         boiling[i] = swirl(place * all(1.0f / BOIL_WIDTH_PX), BOIL_SEED);
+        seething[i] = swirl(place * all(1.0f / BOIL_WIDTH_PX), BOIL_SEED + 20);
         breeze[i] = swirl(place * all(1.0f / BREEZE_WIDTH_PX), BREEZE_SEED);
     });
 }
@@ -237,15 +240,18 @@ Vec4 Gas::recoil() const {
 
 void Gas::push(float dt) {
     const Vec4 back = recoil();
+    const Vec4 drift = BOIL_DRIFT_PX * all(age / H);
+    age += dt;
     eachCell([&](int i, int x, int y, int z) {
         const Vec4 place = cellPlace(x, y, z);
+        const Vec4 here = vec4(static_cast<float>(x), static_cast<float>(y), static_cast<float>(z));
         const float heat = cargo[i][HEAT];
         const float soot = zeroToOne(cargo[i][SOOT]);
         const float radius = std::sqrt(dot3(place, place));
         // Hot gas climbs away from the middle, as it would climb from the ground: this rolls lobes.
         const Vec4 lift = place * all(LIFT_PX * heat / (radius + 1.0f));
-        const Vec4 stir =
-            boiling[i] * all(BOIL_PX * heat * soot) + breeze[i] * all(BREEZE_PX * soot);
+        const Vec4 boil = between(boiling, here + drift) + between(seething, here - drift);
+        const Vec4 stir = (boil * all(BOIL_PX * heat) + breeze[i] * all(BREEZE_PX)) * all(soot);
         const float drag = DRAG + CALM_DRAG * atLeastZero(radius - CALM_RADIUS_PX);
         flow[i] = (flow[i] + (lift + stir + back) * all(dt)) / all(1.0f + drag * dt);
     });

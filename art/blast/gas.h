@@ -60,10 +60,12 @@ private:
 
     // motion
     std::vector<Vec4> flow;       // px per picture
-    std::vector<Vec4> boiling;    // swirls that stand still while the gas moves through them: small
-    std::vector<Vec4> breeze;     // ones in hot gas, wide ones in all smoke
+    std::vector<Vec4> boiling;    // small swirls in hot gas; two fields of them slide through each
+    std::vector<Vec4> seething;   // other, for swirls that stand still square the lobes
+    std::vector<Vec4> breeze;     // wide swirls in all smoke
     std::vector<float> swelling;  // new volume per volume and picture
     std::vector<float> pressure;  // kept from step to step, which saves half the sweeps
+    float age = 0.0f;             // pictures
     bool weakened = false;
     // scratch
     std::vector<Vec4> from;  // where the gas of a cell was a step ago, in cells
