@@ -32,8 +32,8 @@ public:
     // Gives the ship that it fights; must come before the first control().
     void setTarget(MyShip* ship);
 
-    // Prepares `slots` shot slots, 1 at least, and loads the picture of the shots. From now on the
-    // ship shoots.
+    // Prepares `slots` shot slots, 1 at least, and loads the picture of the shots; must come before
+    // the first control(). From now on the ship shoots.
     void setMaxShot(int slots);
 
     // Fires from every slot that is ready and free, and makes the next slot ready.
