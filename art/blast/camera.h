@@ -8,7 +8,7 @@
 #include "gas.h"
 
 // Takes the picture of a gas: what it sends to the viewer, in linear light, and how much of the
-// things behind it it hides. A pixel is a pixel of the game; the viewer looks along z, from far off.
+// things behind it it hides. A pixel is a pixel of the game; the viewer looks along z from far off.
 class Camera {
 public:
     static constexpr int WIDTH = 84;         // pixels of a picture, both ways

@@ -15,7 +15,8 @@ MIDDLE = 41.5  # px, both ways
 BLOOM = ((1.4, 0.10, (1.0, 0.50, 0.08)), (4.5, 0.16, (1.0, 0.34, 0.03)))
 
 # flash: strength of core and rays by picture
-FLASH = {0: (0.35, 0.0), 1: (1.0, 1.0), 2: (0.62, 0.55), 3: (0.36, 0.18), 4: (0.21, 0.06), 5: (0.11, 0.0), 6: (0.05, 0.0),
+FLASH = {0: (0.35, 0.0), 1: (1.0, 1.0), 2: (0.62, 0.55), 3: (0.36, 0.18), 4: (0.21, 0.06),
+         5: (0.11, 0.0), 6: (0.05, 0.0),
          16: (0.55, 0.0), 17: (0.25, 0.0), 18: (0.08, 0.0)}
 CORE_PX = 12.0
 RAYS = 17
@@ -61,7 +62,8 @@ def blur(picture, width):
 def bloom(picture):
     """Light that the bright parts spill over their surroundings."""
     bright = picture.max(axis=2, keepdims=True) * np.minimum(picture, 1.0)
-    return sum(blur(bright, width) * strength * np.array(colour) for width, strength, colour in BLOOM)
+    return sum(blur(bright, width) * strength * np.array(colour)
+               for width, strength, colour in BLOOM)
 
 
 def flash(number):
@@ -150,7 +152,9 @@ def trail(x, y, time, age, spark):
     shape *= (1.0 - behind) ** 1.2
     stages = [stage for stage, _ in SPARK_HEAT]
     colour = [np.interp(age, stages, [c[i] for _, c in SPARK_HEAT]) for i in range(3)]
-    fading = min(1.0, 3.0 * (1.0 - age)) * np.clip((np.hypot(head_x, head_y) - 9.0) / 12.0, 0.0, 1.0)
+    fading = min(1.0, 3.0 * (1.0 - age))
+    # Inside the white core a spark would only be a scratch.
+    fading *= np.clip((np.hypot(head_x, head_y) - 9.0) / 12.0, 0.0, 1.0)
     return shape[..., None] * np.array(colour) * (1.0 * spark["power"] * fading)
 
 
