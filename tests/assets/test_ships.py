@@ -221,7 +221,7 @@ class PlayerShip(unittest.TestCase):
                 values = colours(ship(name))
                 self.assertGreaterEqual(values.dot(LUMA).mean(), 0.50)
                 self.assertLessEqual(values.dot(LUMA).mean(), 0.62)
-                self.assertGreaterEqual(share_in_hue(values, 185, 235), 0.70)
+                self.assertGreaterEqual(share_in_hue(values, 185, 235), 0.65)
                 self.assertTrue(205 <= self.main_hue(name) <= 225, self.main_hue(name))
 
     @staticmethod
