@@ -376,6 +376,29 @@ TEST(FlyingObject, RoundsItsWayOnlyOnceAFrame) {
     }
 }
 
+// Braking too is one product in double precision; what is left of the speed shows it.
+TEST(FlyingObject, RoundsItsBrakingOnlyOnceAFrame) {
+    const struct {
+        const Direction& direction;
+        float speed;
+        unsigned int ms;
+        float left;
+    } brakings[] = {
+        {DIRECTIONS[0], 2.2f, 312, 0.0035199434f},
+        {DIRECTIONS[1], 2.0f, 284, 0.00063990505f},
+        {DIRECTIONS[2], 1.7f, 283, 0.002000033f},
+        {DIRECTIONS[3], 1.7f, 283, 0.002000033f},
+    };
+    for (const auto& braking : brakings) {
+        SCOPED_TRACE(braking.direction.name);
+        FlyingObject& object = makeObject(0, 0);
+        object.*braking.direction.speed = braking.speed;
+        object.setFrameDelay(braking.ms);
+        (object.*braking.direction.move)(false);
+        EXPECT_EQ(object.*braking.direction.speed, braking.left);
+    }
+}
+
 TEST(FlyingObject, HeldFromRestForASecondGainsEightHundredthsAFrameUntilItReachesFive) {
     for (const Direction& direction : {DIRECTIONS[0], DIRECTIONS[1]}) {
         SCOPED_TRACE(direction.name);
