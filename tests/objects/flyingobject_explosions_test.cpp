@@ -273,6 +273,15 @@ TEST(MiniExplosion, ShowsSixPicturesAndTheFirstOnceMore) {
     EXPECT_EQ(wreck.object.miniExplosionFrame, 0u);
 }
 
+TEST(MiniExplosion, PutBehindItsLastPictureEndsWithTheNextStep) {
+    Wreck wreck;
+    wreck.object.miniExploding = true;
+    wreck.object.miniExplosionFrame = 6;
+    wreck.flash(51);
+    EXPECT_EQ(wreck.flashShown(), 0);
+    EXPECT_FALSE(wreck.object.miniExploding);
+}
+
 TEST(MiniExplosion, GathersFrameTimeToMoreThanFiftyMilliseconds) {
     const struct {
         const char* rule;
