@@ -203,7 +203,7 @@ class PlayerShip(unittest.TestCase):
     def test_tail_hides_a_rocket_until_it_drops(self):
         for name in PLAYER:
             with self.subTest(name):
-                self.assertGreaterEqual(ship(name)[26:36, 15:24, 3].min(), 215)
+                self.assertGreaterEqual(ship(name)[26:36, 15:24, 3].min(), SOLID)
 
     def test_flame_peeps_out_two_to_four_rows_behind_the_tail(self):
         for name in PLAYER:
@@ -304,8 +304,9 @@ class BankPictures(unittest.TestCase):
                 with self.subTest(name):
                     other = metal(ship(name))
                     for column in range(AXIS - 1, AXIS + 2):
-                        self.assertLessEqual(abs(first_row(base, column) - first_row(other, column)), 1)
-                        self.assertLessEqual(abs(last_row(base, column) - last_row(other, column)), 1)
+                        for end in (first_row, last_row):
+                            moved = abs(end(base, column) - end(other, column))
+                            self.assertLessEqual(moved, 1)
 
     def test_span_shrinks_to_about_thirty_five_pixels(self):
         for name in PLAYER[1:] + ENEMY[1:]:
