@@ -33,8 +33,9 @@ SHEETS = (
      ("shots-black-1x", "shots-black-4x", "shots-orange-4x")),
     ("Where shots begin and where they hit", "Above: a laser at the nose, a rocket at the "
      "moment of its release and when it has dropped, an enemy's shot just born, and the flash of a "
-     "laser on the left wing, the body and the right wing. Below: an enemy's shot under the player's hull "
-     "with its flash on nose, shoulder and wing; the flash as it runs; the shots among stars.",
+     "laser on the left wing, the body and the right wing. Below: an enemy's shot under the "
+     "player's hull with its flash on nose, shoulder and wing; the flash as it runs; the shots "
+     "among stars.",
      ("launches-1x", "launches-4x")),
     ("Explosion", "All 46 pictures in order at true size, then every third one three times as "
      "large.",
