@@ -1,0 +1,407 @@
+// SPDX-License-Identifier: MIT
+// Every file that the game reads, missing or damaged: the game goes on without it or stops with a
+// line that names it, and never crashes.
+#include "playthrough/texts.h"
+#include "support/program.h"
+
+#include <SDL_image.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <sstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+enum Role {
+    PICTURE,          // drawn; without it nothing is seen in its place
+    SPARE_PICTURE,    // loaded and never drawn
+    DISPLAY_PICTURE,  // the display does not start without it
+    SPARE_DISPLAY_PICTURE,
+    TEXT_PICTURE,  // the texts do not start without it
+    SOUND,         // played; without it nothing is heard
+};
+
+struct GameFile {
+    std::string path;
+    Role role;
+};
+
+const GameFile NAMED_FILES[] = {
+    {"explosions/mini/ex000.png", PICTURE},
+    {"explosions/mini/ex001.png", PICTURE},
+    {"explosions/mini/ex002.png", PICTURE},
+    {"explosions/mini/ex003.png", PICTURE},
+    {"explosions/mini/ex004.png", PICTURE},
+    {"explosions/mini/ex005.png", PICTURE},
+    {"explosions/mini/ex006.png", SPARE_PICTURE},  // the flash ends before it
+    {"ships/ship01.png", PICTURE},
+    {"ships/ship01left.png", PICTURE},
+    {"ships/ship01right.png", PICTURE},
+    {"ships/enemy01.png", PICTURE},
+    {"ships/enemy01left.png", PICTURE},
+    {"ships/enemy01right.png", PICTURE},
+    {"shots/e_shot01c.png", PICTURE},
+    {"shots/shot01a.png", PICTURE},
+    {"shots/shot01b.png", PICTURE},
+    {"shots/item_shot01a.png", DISPLAY_PICTURE},
+    {"shots/item_shot02a.png", PICTURE},  // its test asks for the laser's icon
+    {"display/energy01.png", PICTURE},    // likewise
+    {"display/energyscale.png", PICTURE},
+    {"display/enemyrect_topleft.png", PICTURE},
+    {"display/enemyrect_topright.png", PICTURE},
+    {"display/enemyrect_bottomleft.png", PICTURE},
+    {"display/enemyrect_bottomright.png", PICTURE},
+    {"fonts/impact/fps_a.png", DISPLAY_PICTURE},
+    {"fonts/impact/numbers_a.png", DISPLAY_PICTURE},  // the texts would ask for it later
+    {"fonts/impact/numbers_mini.png", DISPLAY_PICTURE},
+    {"fonts/impact/cross.png", SPARE_DISPLAY_PICTURE},
+    {"fonts/impact/letters.png", TEXT_PICTURE},
+    {"fonts/impact/letter_cursor.png", TEXT_PICTURE},
+    {"sounds/explode.wav", SOUND},
+    {"sounds/explode2.wav", SOUND},
+    {"sounds/miniExplode1.wav", SOUND},
+    {"sounds/miniExplode2.wav", SOUND},
+    {"sounds/shot001b.wav", SOUND},
+    {"sounds/shot002.wav", SOUND},
+    {"sounds/intro.wav", SOUND},
+    {"sounds/keyboard.wav", SOUND},
+};
+
+constexpr int EXPLOSION_FRAMES = 46;
+
+// Under the sanitizers a run takes several times as long, and the frames of the explosion are all
+// loaded and drawn at the same two places: a few of them speak for the others there.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int EXPLOSION_FRAMES_BETWEEN = 15;
+#else
+constexpr int EXPLOSION_FRAMES_BETWEEN = 1;
+#endif
+
+std::vector<GameFile> filesOf(bool sounds) {
+    std::vector<GameFile> files;
+    for (int i = 0; !sounds && i < EXPLOSION_FRAMES; i += EXPLOSION_FRAMES_BETWEEN) {
+        char path[32];
+        std::snprintf(path, sizeof path, "explosions/ex%04i.png", i);
+        files.push_back({path, PICTURE});
+    }
+    for (const GameFile& file : NAMED_FILES) {
+        if ((file.role == SOUND) == sounds) {
+            files.push_back(file);
+        }
+    }
+    return files;
+}
+
+// A data folder that shares its files with the true one, so that single ones can be damaged.
+class DataFolder {
+public:
+    DataFolder() {
+        for (const auto& entry : fs::recursive_directory_iterator(GAME_DATA)) {
+            const fs::path here = fs::path(folder.path) / fs::relative(entry.path(), GAME_DATA);
+            if (entry.is_directory()) {
+                fs::create_directories(here);
+            } else {
+                fs::create_symlink(entry.path(), here);
+            }
+        }
+    }
+
+    std::string path() const { return folder.path; }
+
+    void remove(const std::string& file) { fs::remove(fs::path(folder.path) / file); }
+
+    void replace(const std::string& file, const std::string& content) {
+        remove(file);
+        writeFile(folder.path + "/" + file, content);
+    }
+
+    void restore(const std::string& file) {
+        remove(file);
+        fs::create_symlink(fs::path(GAME_DATA) / file, fs::path(folder.path) / file);
+    }
+
+private:
+    TemporaryFolder folder;
+};
+
+std::string trueContent(const std::string& file) {
+    return contentOf(GAME_DATA "/" + file);
+}
+
+// A short game in which every picture is drawn and every sound played, up to the player's end.
+ProgramResult tour(const std::string& folder, bool sound) {
+    ProgramRun run;
+    if (!sound) {
+        run.arguments = {"-ns"};
+    }
+    run.scenario = contentOf(PLAYTHROUGHS "/tour.scenario");
+    run.folder = folder;
+    return runProgram(run);
+}
+
+std::string upTo(const std::string& text, const std::string& end) {
+    return text.substr(0, text.find(end));
+}
+
+// What has been printed before the file is loaded, and then the line that names it.
+void expectStop(const ProgramResult& result, const ProgramResult& intact, const GameFile& file) {
+    const std::string before = file.role == TEXT_PICTURE ? upTo(intact.output, BANNER) + BANNER
+                                                         : upTo(intact.output, "display was born:");
+    const std::string line =
+        "Can't load image \"" + fs::path(file.path).filename().string() + "\": ";
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output.substr(0, before.size() + line.size()), before + line);
+    const std::string reason = result.output.substr(before.size() + line.size());
+    EXPECT_GT(reason.size(), 1U);
+    EXPECT_EQ(reason.find('\n'), reason.size() - 1) << reason;
+    EXPECT_EQ(result.timesCalled("SDL_Flip"), 0);
+}
+
+// The same game without the picture: each drawing of it is one of nothing.
+void expectUnseen(const ProgramResult& result, const ProgramResult& intact, const GameFile& file) {
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, intact.output);
+    EXPECT_TRUE(result.called("IMG_Load(" + file.path + ") = none"));
+    EXPECT_EQ(result.timesDrawn(file.path), 0);
+    EXPECT_EQ(result.timesDrawn("none"), intact.timesDrawn(file.path));
+}
+
+// The library that reads PNG pictures tells itself what is wrong with one.
+std::string linesNotOfThePngLibrary(const std::string& error) {
+    std::istringstream in(error);
+    std::string others;
+    for (std::string line; std::getline(in, line);) {
+        others += line.find("libpng ") == 0 ? "" : line + "\n";
+    }
+    return others;
+}
+
+void expectWithoutPicture(const ProgramResult& result, const ProgramResult& intact,
+                          const GameFile& file) {
+    SCOPED_TRACE(file.path);
+    EXPECT_EQ(result.signal, 0);
+    EXPECT_EQ(linesNotOfThePngLibrary(result.error), "");
+    if (file.role == PICTURE || file.role == SPARE_PICTURE) {
+        expectUnseen(result, intact, file);
+    } else {
+        expectStop(result, intact, file);
+    }
+}
+
+// Each picture in turn, damaged like this.
+template <typename Damage> void expectTheGameWithoutEachPicture(Damage damage) {
+    DataFolder data;
+    const ProgramResult intact = tour(GAME_DATA, false);
+    ASSERT_EQ(intact.status, 0);
+    for (const GameFile& file : filesOf(false)) {
+        damage(data, file.path);
+        expectWithoutPicture(tour(data.path(), false), intact, file);
+        data.restore(file.path);
+    }
+}
+
+TEST(GameFiles, AreAllReadAndOnlyThey) {
+    std::vector<std::string> named;
+    for (int i = 0; i < EXPLOSION_FRAMES; ++i) {
+        char path[32];
+        std::snprintf(path, sizeof path, "explosions/ex%04i.png", i);
+        named.push_back(path);
+    }
+    for (const GameFile& file : NAMED_FILES) {
+        named.push_back(file.path);
+    }
+    EXPECT_EQ(named.size(), 76U + 8U);
+    const ProgramResult result = tour(GAME_DATA, true);
+    for (const std::string& file : named) {
+        EXPECT_TRUE(result.called("IMG_Load(" + file + ")") ||
+                    result.called("Mix_LoadWAV_RW(" + file + ")"))
+            << file;
+    }
+    for (const std::string& call : result.callsOf("")) {
+        if (call.find("Load") != std::string::npos) {
+            const std::string file = upTo(call.substr(call.find('(') + 1), ")");
+            EXPECT_NE(std::find(named.begin(), named.end(), file), named.end()) << file;
+        }
+    }
+}
+
+TEST(GameFiles, AreAllSeenAndHeardInAShortGame) {
+    const ProgramResult result = tour(GAME_DATA, true);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.timesDrawn("none"), 0);
+    EXPECT_EQ(result.timesDrawn("unnamed"), 0);
+    for (const GameFile& file : filesOf(false)) {
+        const bool spare = file.role == SPARE_PICTURE || file.role == SPARE_DISPLAY_PICTURE;
+        EXPECT_EQ(result.timesDrawn(file.path) == 0, spare) << file.path;
+    }
+    for (const GameFile& file : filesOf(true)) {
+        EXPECT_FALSE(result.callsOf("Mix_LoadWAV_RW(" + file.path + ") = sound").empty());
+        bool played = false;
+        for (const std::string& call : result.callsOf("Mix_PlayChannelTimed(")) {
+            played = played || call.find(file.path) != std::string::npos;
+        }
+        EXPECT_TRUE(played) << file.path;
+    }
+}
+
+TEST(GameFiles, ARemovedPictureIsNotSeenOrStopsTheGame) {
+    expectTheGameWithoutEachPicture(
+        [](DataFolder& data, const std::string& file) { data.remove(file); });
+}
+
+TEST(GameFiles, AnEmptyPictureIsNotSeenOrStopsTheGame) {
+    expectTheGameWithoutEachPicture(
+        [](DataFolder& data, const std::string& file) { data.replace(file, ""); });
+}
+
+TEST(GameFiles, APictureCutInHalfIsNotSeenOrStopsTheGame) {
+    expectTheGameWithoutEachPicture([](DataFolder& data, const std::string& file) {
+        const std::string whole = trueContent(file);
+        data.replace(file, whole.substr(0, whole.size() / 2));
+    });
+}
+
+TEST(GameFiles, ATextInAPicturesPlaceIsNotSeenOrStopsTheGame) {
+    expectTheGameWithoutEachPicture([](DataFolder& data, const std::string& file) {
+        data.replace(file, "Here was a picture once.\nNow it is gone.\n");
+    });
+}
+
+TEST(GameFiles, ASoundInAPicturesPlaceIsNotSeenOrStopsTheGame) {
+    DataFolder data;
+    const ProgramResult intact = tour(GAME_DATA, false);
+    for (const GameFile& file : {GameFile{"ships/ship01.png", PICTURE},
+                                 GameFile{"fonts/impact/letters.png", TEXT_PICTURE}}) {
+        data.replace(file.path, trueContent("sounds/keyboard.wav"));
+        expectWithoutPicture(tour(data.path(), false), intact, file);
+        data.restore(file.path);
+    }
+}
+
+// What a picture is, its content tells and not its name.
+TEST(GameFiles, AWindowsBitmapInAPicturesPlaceIsSeenLikeIt) {
+    DataFolder data;
+    const ProgramResult intact = tour(GAME_DATA, false);
+    for (const GameFile& file : filesOf(false)) {
+        SCOPED_TRACE(file.path);
+        data.remove(file.path);
+        SDL_Surface* picture = IMG_Load((GAME_DATA "/" + file.path).c_str());
+        ASSERT_EQ(SDL_SaveBMP(picture, (data.path() + "/" + file.path).c_str()), 0);
+        SDL_FreeSurface(picture);
+        const ProgramResult result = tour(data.path(), false);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.output, intact.output);
+        EXPECT_EQ(result.error, "");
+        EXPECT_EQ(result.timesDrawn(file.path), intact.timesDrawn(file.path));
+        data.restore(file.path);
+    }
+}
+
+std::vector<std::string> plays(const ProgramResult& result) {
+    return result.callsOf("Mix_PlayChannelTimed(");
+}
+
+// The same game in silence: each play of the sound is one of none.
+void expectUnheard(const ProgramResult& result, const ProgramResult& intact,
+                   const std::string& file) {
+    EXPECT_EQ(result.signal, 0);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, intact.output);
+    EXPECT_EQ(result.error, "");
+    EXPECT_TRUE(result.called("Mix_LoadWAV_RW(" + file + ") = none"));
+    EXPECT_FALSE(result.called("Mix_LoadWAV_RW(" + file + ") = sound"));
+    std::vector<std::string> expected = plays(intact);
+    for (std::string& play : expected) {
+        if (const size_t at = play.find(file); at != std::string::npos) {
+            play.replace(at, file.size(), "none");
+        }
+    }
+    EXPECT_EQ(plays(result), expected);
+}
+
+TEST(GameFiles, ASoundThatIsMissingOrDamagedIsNotHeard) {
+    DataFolder data;
+    const ProgramResult intact = tour(GAME_DATA, true);
+    for (const GameFile& file : filesOf(true)) {
+        const std::string whole = trueContent(file.path);
+        const std::pair<const char*, std::string> damages[] = {
+            {"empty", ""},
+            {"cut in half", whole.substr(0, whole.size() / 2)},
+            {"cut in its header", whole.substr(0, 30)},
+            {"a text", "Here was a sound once.\nNow it is gone.\n"},
+            {"a picture", trueContent("ships/ship01.png")},
+        };
+        data.remove(file.path);
+        {
+            SCOPED_TRACE(file.path + " removed");
+            expectUnheard(tour(data.path(), true), intact, file.path);
+        }
+        for (const auto& damage : damages) {
+            SCOPED_TRACE(file.path + " " + damage.first);
+            data.replace(file.path, damage.second);
+            expectUnheard(tour(data.path(), true), intact, file.path);
+        }
+        data.restore(file.path);
+    }
+}
+
+TEST(GameFiles, WithoutSoundADamagedSoundIsNotNoticed) {
+    DataFolder data;
+    const ProgramResult intact = tour(GAME_DATA, false);
+    for (const GameFile& file : filesOf(true)) {
+        data.replace(file.path, "no sound");
+        const ProgramResult result = tour(data.path(), false);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.output, intact.output);
+        EXPECT_EQ(result.calls, intact.calls);
+        data.restore(file.path);
+    }
+}
+
+// Nothing that comes before the display is missed, so its first picture is the one that is named.
+TEST(GameFiles, AGameStartedInAWrongFolderStopsAtTheFirstPictureThatIsAskedFor) {
+    const TemporaryFolder empty;
+    const ProgramResult result = tour(empty.path, true);
+    const ProgramResult intact = tour(GAME_DATA, true);
+    EXPECT_EQ(result.signal, 0);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error, "");
+    EXPECT_EQ(result.output, upTo(intact.output, "display was born:") +
+                                 "Can't load image \"fps_a.png\": "
+                                 "Couldn't open fonts/impact/fps_a.png\n");
+    EXPECT_EQ(result.timesCalled("SDL_Quit"), 1);
+}
+
+TEST(GameFiles, WhatIsAskedForIsEnoughToPlayUnseenAndUnheard) {
+    DataFolder data;
+    for (bool sounds : {false, true}) {
+        for (const GameFile& file : filesOf(sounds)) {
+            if (file.role == PICTURE || file.role == SPARE_PICTURE || file.role == SOUND) {
+                data.remove(file.path);
+            }
+        }
+    }
+    const ProgramResult result = tour(data.path(), true);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.error, "");
+    EXPECT_EQ(result.output, tour(GAME_DATA, true).output);
+}
+
+TEST(GameFiles, AFolderInAFilesPlaceIsLikeNoFile) {
+    DataFolder data;
+    const ProgramResult intact = tour(GAME_DATA, false);
+    for (const GameFile& file : {GameFile{"ships/enemy01.png", PICTURE},
+                                 GameFile{"fonts/impact/cross.png", SPARE_DISPLAY_PICTURE}}) {
+        data.remove(file.path);
+        fs::create_directory(fs::path(data.path()) / file.path);
+        expectWithoutPicture(tour(data.path(), false), intact, file);
+        data.restore(file.path);
+    }
+}
+
+}  // namespace
