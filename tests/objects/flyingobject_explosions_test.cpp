@@ -18,7 +18,6 @@ constexpr int EXPLOSION_CHANNEL = 3;
 constexpr int FLASH_CHANNEL = 4;
 constexpr char EXPLOSION_LINE[] = "FlyingObject->explode()\n";
 
-static_assert(ENERGY_EXPLODED == EXPLODED);
 static_assert(std::is_same_v<decltype(&FlyingObject::setExplosion),
                              void (FlyingObject::*)(SDL_Surface**, int, int)>);
 static_assert(std::is_same_v<decltype(&FlyingObject::setMiniExplosion),
