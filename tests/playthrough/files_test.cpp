@@ -82,18 +82,33 @@ constexpr int EXPLOSION_FRAMES_BETWEEN = 15;
 constexpr int EXPLOSION_FRAMES_BETWEEN = 1;
 #endif
 
-std::vector<GameFile> filesOf(bool sounds) {
+std::string explosionFrame(int number) {
+    char path[32];
+    std::snprintf(path, sizeof path, "explosions/ex%04i.png", number);
+    return path;
+}
+
+std::vector<GameFile> explosionFrames(int first, int end, int between = EXPLOSION_FRAMES_BETWEEN) {
     std::vector<GameFile> files;
-    for (int i = 0; !sounds && i < EXPLOSION_FRAMES; i += EXPLOSION_FRAMES_BETWEEN) {
-        char path[32];
-        std::snprintf(path, sizeof path, "explosions/ex%04i.png", i);
-        files.push_back({path, PICTURE});
+    for (int i = first; i < end; i += between) {
+        files.push_back({explosionFrame(i), PICTURE});
     }
+    return files;
+}
+
+std::vector<GameFile> namedFiles(bool sounds) {
+    std::vector<GameFile> files;
     for (const GameFile& file : NAMED_FILES) {
         if ((file.role == SOUND) == sounds) {
             files.push_back(file);
         }
     }
+    return files;
+}
+
+std::vector<GameFile> allFiles() {
+    std::vector<GameFile> files = explosionFrames(0, EXPLOSION_FRAMES, 1);
+    files.insert(files.end(), std::begin(NAMED_FILES), std::end(NAMED_FILES));
     return files;
 }
 
@@ -193,41 +208,63 @@ void expectWithoutPicture(const ProgramResult& result, const ProgramResult& inta
     }
 }
 
+// In groups, so that they are tested side by side.
+struct PictureGroup {
+    const char* name;
+    std::vector<GameFile> files;
+};
+
+class GamePictures : public testing::TestWithParam<PictureGroup> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, GamePictures,
+    testing::Values(PictureGroup{"TheExplosionsStart", explosionFrames(0, EXPLOSION_FRAMES / 2)},
+                    PictureGroup{"TheExplosionsEnd",
+                                 explosionFrames(EXPLOSION_FRAMES / 2, EXPLOSION_FRAMES)},
+                    PictureGroup{"AllElse", namedFiles(false)}),
+    [](const auto& instance) { return instance.param.name; });
+
 // Each picture in turn, damaged like this.
-template <typename Damage> void expectTheGameWithoutEachPicture(Damage damage) {
+template <typename Damage>
+void expectTheGameWithoutEach(const std::vector<GameFile>& files, Damage damage) {
     DataFolder data;
     const ProgramResult intact = tour(GAME_DATA, false);
     ASSERT_EQ(intact.status, 0);
-    for (const GameFile& file : filesOf(false)) {
+    for (const GameFile& file : files) {
         damage(data, file.path);
         expectWithoutPicture(tour(data.path(), false), intact, file);
         data.restore(file.path);
     }
 }
 
+std::vector<std::string> plays(const ProgramResult& result) {
+    return result.callsOf("Mix_PlayChannelTimed(");
+}
+
+std::string joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += line + "\n";
+    }
+    return text;
+}
+
 TEST(GameFiles, AreAllReadAndOnlyThey) {
     std::vector<std::string> named;
-    for (int i = 0; i < EXPLOSION_FRAMES; ++i) {
-        char path[32];
-        std::snprintf(path, sizeof path, "explosions/ex%04i.png", i);
-        named.push_back(path);
-    }
-    for (const GameFile& file : NAMED_FILES) {
+    for (const GameFile& file : allFiles()) {
         named.push_back(file.path);
     }
     EXPECT_EQ(named.size(), 76U + 8U);
-    const ProgramResult result = tour(GAME_DATA, true);
-    for (const std::string& file : named) {
-        EXPECT_TRUE(result.called("IMG_Load(" + file + ")") ||
-                    result.called("Mix_LoadWAV_RW(" + file + ")"))
-            << file;
-    }
-    for (const std::string& call : result.callsOf("")) {
-        if (call.find("Load") != std::string::npos) {
-            const std::string file = upTo(call.substr(call.find('(') + 1), ")");
-            EXPECT_NE(std::find(named.begin(), named.end(), file), named.end()) << file;
+    std::vector<std::string> read;
+    for (const std::string& call : tour(GAME_DATA, true).callsOf("")) {
+        if (call.find("IMG_Load(") == 0 || call.find("Mix_LoadWAV_RW(") == 0) {
+            read.push_back(upTo(call.substr(call.find('(') + 1), ")"));
         }
     }
+    std::sort(named.begin(), named.end());
+    std::sort(read.begin(), read.end());
+    read.erase(std::unique(read.begin(), read.end()), read.end());
+    EXPECT_EQ(read, named);
 }
 
 TEST(GameFiles, AreAllSeenAndHeardInAShortGame) {
@@ -235,39 +272,38 @@ TEST(GameFiles, AreAllSeenAndHeardInAShortGame) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.timesDrawn("none"), 0);
     EXPECT_EQ(result.timesDrawn("unnamed"), 0);
-    for (const GameFile& file : filesOf(false)) {
-        const bool spare = file.role == SPARE_PICTURE || file.role == SPARE_DISPLAY_PICTURE;
-        EXPECT_EQ(result.timesDrawn(file.path) == 0, spare) << file.path;
-    }
-    for (const GameFile& file : filesOf(true)) {
-        EXPECT_FALSE(result.callsOf("Mix_LoadWAV_RW(" + file.path + ") = sound").empty());
-        bool played = false;
-        for (const std::string& call : result.callsOf("Mix_PlayChannelTimed(")) {
-            played = played || call.find(file.path) != std::string::npos;
+    for (const GameFile& file : allFiles()) {
+        SCOPED_TRACE(file.path);
+        if (file.role == SOUND) {
+            EXPECT_FALSE(result.called("Mix_LoadWAV_RW(" + file.path + ") = none"));
+            EXPECT_GT(timesIn(joined(plays(result)), file.path), 0);
+        } else {
+            const bool spare = file.role == SPARE_PICTURE || file.role == SPARE_DISPLAY_PICTURE;
+            EXPECT_EQ(result.timesDrawn(file.path) == 0, spare);
         }
-        EXPECT_TRUE(played) << file.path;
     }
 }
 
-TEST(GameFiles, ARemovedPictureIsNotSeenOrStopsTheGame) {
-    expectTheGameWithoutEachPicture(
-        [](DataFolder& data, const std::string& file) { data.remove(file); });
+TEST_P(GamePictures, ARemovedPictureIsNotSeenOrStopsTheGame) {
+    expectTheGameWithoutEach(GetParam().files,
+                             [](DataFolder& data, const std::string& file) { data.remove(file); });
 }
 
-TEST(GameFiles, AnEmptyPictureIsNotSeenOrStopsTheGame) {
-    expectTheGameWithoutEachPicture(
-        [](DataFolder& data, const std::string& file) { data.replace(file, ""); });
+TEST_P(GamePictures, AnEmptyPictureIsNotSeenOrStopsTheGame) {
+    expectTheGameWithoutEach(GetParam().files, [](DataFolder& data, const std::string& file) {
+        data.replace(file, "");
+    });
 }
 
-TEST(GameFiles, APictureCutInHalfIsNotSeenOrStopsTheGame) {
-    expectTheGameWithoutEachPicture([](DataFolder& data, const std::string& file) {
+TEST_P(GamePictures, APictureCutInHalfIsNotSeenOrStopsTheGame) {
+    expectTheGameWithoutEach(GetParam().files, [](DataFolder& data, const std::string& file) {
         const std::string whole = trueContent(file);
         data.replace(file, whole.substr(0, whole.size() / 2));
     });
 }
 
-TEST(GameFiles, ATextInAPicturesPlaceIsNotSeenOrStopsTheGame) {
-    expectTheGameWithoutEachPicture([](DataFolder& data, const std::string& file) {
+TEST_P(GamePictures, ATextInAPicturesPlaceIsNotSeenOrStopsTheGame) {
+    expectTheGameWithoutEach(GetParam().files, [](DataFolder& data, const std::string& file) {
         data.replace(file, "Here was a picture once.\nNow it is gone.\n");
     });
 }
@@ -284,10 +320,10 @@ TEST(GameFiles, ASoundInAPicturesPlaceIsNotSeenOrStopsTheGame) {
 }
 
 // What a picture is, its content tells and not its name.
-TEST(GameFiles, AWindowsBitmapInAPicturesPlaceIsSeenLikeIt) {
+TEST_P(GamePictures, AWindowsBitmapInAPicturesPlaceIsSeenLikeIt) {
     DataFolder data;
     const ProgramResult intact = tour(GAME_DATA, false);
-    for (const GameFile& file : filesOf(false)) {
+    for (const GameFile& file : GetParam().files) {
         SCOPED_TRACE(file.path);
         data.remove(file.path);
         SDL_Surface* picture = IMG_Load((GAME_DATA "/" + file.path).c_str());
@@ -300,10 +336,6 @@ TEST(GameFiles, AWindowsBitmapInAPicturesPlaceIsSeenLikeIt) {
         EXPECT_EQ(result.timesDrawn(file.path), intact.timesDrawn(file.path));
         data.restore(file.path);
     }
-}
-
-std::vector<std::string> plays(const ProgramResult& result) {
-    return result.callsOf("Mix_PlayChannelTimed(");
 }
 
 // The same game in silence: each play of the sound is one of none.
@@ -324,36 +356,41 @@ void expectUnheard(const ProgramResult& result, const ProgramResult& intact,
     EXPECT_EQ(plays(result), expected);
 }
 
-TEST(GameFiles, ASoundThatIsMissingOrDamagedIsNotHeard) {
+class GameSounds : public testing::TestWithParam<GameFile> {};
+
+INSTANTIATE_TEST_SUITE_P(Of, GameSounds, testing::ValuesIn(namedFiles(true)),
+                         [](const auto& instance) {
+                             return fs::path(instance.param.path).stem().string();
+                         });
+
+TEST_P(GameSounds, ThatAreMissingOrDamagedAreNotHeard) {
+    const std::string file = GetParam().path;
+    const std::string whole = trueContent(file);
+    const std::pair<const char*, std::string> damages[] = {
+        {"empty", ""},
+        {"cut in half", whole.substr(0, whole.size() / 2)},
+        {"cut in its header", whole.substr(0, 30)},
+        {"a text", "Here was a sound once.\nNow it is gone.\n"},
+        {"a picture", trueContent("ships/ship01.png")},
+    };
     DataFolder data;
     const ProgramResult intact = tour(GAME_DATA, true);
-    for (const GameFile& file : filesOf(true)) {
-        const std::string whole = trueContent(file.path);
-        const std::pair<const char*, std::string> damages[] = {
-            {"empty", ""},
-            {"cut in half", whole.substr(0, whole.size() / 2)},
-            {"cut in its header", whole.substr(0, 30)},
-            {"a text", "Here was a sound once.\nNow it is gone.\n"},
-            {"a picture", trueContent("ships/ship01.png")},
-        };
-        data.remove(file.path);
-        {
-            SCOPED_TRACE(file.path + " removed");
-            expectUnheard(tour(data.path(), true), intact, file.path);
-        }
-        for (const auto& damage : damages) {
-            SCOPED_TRACE(file.path + " " + damage.first);
-            data.replace(file.path, damage.second);
-            expectUnheard(tour(data.path(), true), intact, file.path);
-        }
-        data.restore(file.path);
+    data.remove(file);
+    {
+        SCOPED_TRACE("removed");
+        expectUnheard(tour(data.path(), true), intact, file);
+    }
+    for (const auto& damage : damages) {
+        SCOPED_TRACE(damage.first);
+        data.replace(file, damage.second);
+        expectUnheard(tour(data.path(), true), intact, file);
     }
 }
 
 TEST(GameFiles, WithoutSoundADamagedSoundIsNotNoticed) {
     DataFolder data;
     const ProgramResult intact = tour(GAME_DATA, false);
-    for (const GameFile& file : filesOf(true)) {
+    for (const GameFile& file : namedFiles(true)) {
         data.replace(file.path, "no sound");
         const ProgramResult result = tour(data.path(), false);
         EXPECT_EQ(result.status, 0);
@@ -379,11 +416,9 @@ TEST(GameFiles, AGameStartedInAWrongFolderStopsAtTheFirstPictureThatIsAskedFor) 
 
 TEST(GameFiles, WhatIsAskedForIsEnoughToPlayUnseenAndUnheard) {
     DataFolder data;
-    for (bool sounds : {false, true}) {
-        for (const GameFile& file : filesOf(sounds)) {
-            if (file.role == PICTURE || file.role == SPARE_PICTURE || file.role == SOUND) {
-                data.remove(file.path);
-            }
+    for (const GameFile& file : allFiles()) {
+        if (file.role == PICTURE || file.role == SPARE_PICTURE || file.role == SOUND) {
+            data.remove(file.path);
         }
     }
     const ProgramResult result = tour(data.path(), true);

@@ -7,12 +7,15 @@
 
 #include <SDL_image.h>
 
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
+#include <functional>
+#include <string>
 #include <type_traits>
 #include <unistd.h>
+#include <vector>
 
 namespace front {
 namespace {
@@ -78,23 +81,23 @@ void keepPicture(SDL_Surface* screen, const std::string& file) {
     }
 }
 
+// The next entry of a list when its moment has come, and then the list goes on behind it; else null.
+template <typename Entry> const Entry* nextDue(const std::vector<Entry>& list, size_t& next) {
+    if (next == list.size() || !list[next].when.isDue(game->frame, game->clockMs)) {
+        return nullptr;
+    }
+    return &list[next++];
+}
+
 // The clock stands still while the game draws and thinks: it advances here, by the frame's time.
 int flip(SDL_Surface* screen) {
     const Scenario& scenario = game->scenario;
     ++game->frame;
-    for (; game->nextFrameTime < scenario.frameTimes.size(); ++game->nextFrameTime) {
-        const FrameTime& entry = scenario.frameTimes[game->nextFrameTime];
-        if (!entry.when.isDue(game->frame, game->clockMs)) {
-            break;
-        }
-        game->frameMs = entry.ms;
+    while (const FrameTime* entry = nextDue(scenario.frameTimes, game->nextFrameTime)) {
+        game->frameMs = entry->ms;
     }
-    for (; game->nextPicture < scenario.pictures.size(); ++game->nextPicture) {
-        const KeptPicture& entry = scenario.pictures[game->nextPicture];
-        if (!entry.when.isDue(game->frame, game->clockMs)) {
-            break;
-        }
-        keepPicture(screen, entry.file);
+    while (const KeptPicture* entry = nextDue(scenario.pictures, game->nextPicture)) {
+        keepPicture(screen, entry->file);
     }
     if (game->frame > scenario.lastFrame) {
         stop(STATUS_ENDLESS_GAME,
@@ -105,20 +108,15 @@ int flip(SDL_Surface* screen) {
 }
 
 int pollEvent(SDL_Event* event) {
-    const Scenario& scenario = game->scenario;
-    if (game->nextEvent == scenario.events.size()) {
+    const ScriptedEvent* entry = nextDue(game->scenario.events, game->nextEvent);
+    if (entry == nullptr) {
         return 0;
     }
-    const ScriptedEvent& entry = scenario.events[game->nextEvent];
-    if (!entry.when.isDue(game->frame, game->clockMs)) {
-        return 0;
-    }
-    ++game->nextEvent;
     *event = SDL_Event();
-    event->type = entry.type;
-    if (entry.type != SDL_QUIT) {
-        event->key.state = entry.type == SDL_KEYDOWN ? SDL_PRESSED : SDL_RELEASED;
-        event->key.keysym.sym = entry.key;
+    event->type = entry->type;
+    if (entry->type != SDL_QUIT) {
+        event->key.state = entry->type == SDL_KEYDOWN ? SDL_PRESSED : SDL_RELEASED;
+        event->key.keysym.sym = entry->key;
     }
     return 1;
 }
