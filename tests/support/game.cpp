@@ -96,9 +96,9 @@ std::string placeOf(const SDL_Rect* place) {
 
 }  // namespace
 
-// Arrays start with garbage at both ends, so that a loop that should clear them is seen to do it. The
-// shot pools lie in huge pages where the system has them: most of a game's start would else be spent
-// on their page faults.
+// Arrays start with garbage at both ends, so that a loop that should clear them is seen to do it.
+// The shot pools lie in huge pages where the system has them: most of a game's start would else be
+// spent on their page faults.
 void* operator new[](size_t bytes) {
     const bool isHuge = bytes >= HUGE_PAGE_BYTES;
     void* memory = isHuge ? std::aligned_alloc(HUGE_PAGE_BYTES, roundedUp(bytes, HUGE_PAGE_BYTES))

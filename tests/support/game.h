@@ -15,8 +15,8 @@
 // there it queues the events that end the game.
 //
 // The clock and the event queue are the test's own. Pictures have their true size and one plain
-// colour, sounds are empty, and nothing is heard; screen and blits are SDL's. One game in a process:
-// it takes the memory of a real one, and that memory holds garbage before the game starts.
+// colour, sounds are empty, and nothing is heard; screen and blits are SDL's. One game in a
+// process: it takes the memory of a real one, and that memory holds garbage before the game starts.
 class Game {
 public:
     // Puts the hooks in front of the libraries; a test may then replace some of them.
