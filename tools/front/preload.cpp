@@ -235,8 +235,9 @@ void wrap(const char* name, std::function<Result(Arguments...)>& hook,
     hook = [name, next, failure, calls = Uint32{0}](Arguments... arguments) mutable -> Result {
         game->log.countCall(name);
         ++calls;
+        [[maybe_unused]] const bool failing = failure != nullptr && calls == failure->call;
         if constexpr (std::is_pointer_v<Result> || std::is_same_v<Result, int>) {
-            if (failure != nullptr && calls == failure->call) {
+            if (failing) {
                 note(text("%s fails", name));
                 SDL_SetError("%s", failure->text.c_str());
                 if constexpr (std::is_pointer_v<Result>) {
