@@ -342,15 +342,30 @@ TEST(BattleFieldFrame, MovesThePlayerInPlayOnlyAndAfterDrawingIt) {
         ship.goingRight = true;
         ship.speedRight = 4;
         game.field.gamePhase = 1;
-        game.frame(100);
+        game.frame(50);
         EXPECT_EQ(ship.xFloat, 300.0f);
         game.field.gamePhase = 0;
         game.takeLog();
         game.frame(100);
         EXPECT_EQ(game.takeLog({"blit ships"}),
                   Log{"blit ships/ship01right.png [0 0 39 39] at 300 400"});
-        // 4 * 100 ms * 0.088
+        // 4 * 100 ms * 0.088, by this frame's time
         EXPECT_FLOAT_EQ(ship.xFloat, 335.2f);
+    });
+}
+
+TEST(BattleFieldFrame, KeepsThePlayerInTheField) {
+    Game game;
+    game.hold([&] {
+        game.startPlay();
+        game.withoutEnemies();
+        MyShip& ship = *game.field.myShip;
+        ship.xFloat = 700;
+        ship.yFloat = -20;
+        game.frame(10);
+        // 4 pixels from the right edge, 3 from the top
+        EXPECT_EQ(ship.xFloat, 640.0f - 39 - 4);
+        EXPECT_EQ(ship.yFloat, 3.0f);
     });
 }
 
