@@ -74,23 +74,15 @@ const GameFile NAMED_FILES[] = {
 
 constexpr int EXPLOSION_FRAMES = 46;
 
-// Under the sanitizers a run takes several times as long, and the frames of the explosion are all
-// loaded and drawn at the same two places: a few of them speak for the others there.
-#ifdef __SANITIZE_ADDRESS__
-constexpr int EXPLOSION_FRAMES_BETWEEN = 15;
-#else
-constexpr int EXPLOSION_FRAMES_BETWEEN = 1;
-#endif
-
 std::string explosionFrame(int number) {
     char path[32];
     std::snprintf(path, sizeof path, "explosions/ex%04i.png", number);
     return path;
 }
 
-std::vector<GameFile> explosionFrames(int first, int end, int between = EXPLOSION_FRAMES_BETWEEN) {
+std::vector<GameFile> explosionFrames(int first, int end) {
     std::vector<GameFile> files;
-    for (int i = first; i < end; i += between) {
+    for (int i = first; i < end; ++i) {
         files.push_back({explosionFrame(i), PICTURE});
     }
     return files;
@@ -107,7 +99,7 @@ std::vector<GameFile> namedFiles(bool sounds) {
 }
 
 std::vector<GameFile> allFiles() {
-    std::vector<GameFile> files = explosionFrames(0, EXPLOSION_FRAMES, 1);
+    std::vector<GameFile> files = explosionFrames(0, EXPLOSION_FRAMES);
     files.insert(files.end(), std::begin(NAMED_FILES), std::end(NAMED_FILES));
     return files;
 }
