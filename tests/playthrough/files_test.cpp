@@ -31,6 +31,11 @@ struct GameFile {
     Role role;
 };
 
+// The name of a case in the list of tests.
+void PrintTo(const GameFile& file, std::ostream* out) {
+    *out << file.path;
+}
+
 const GameFile NAMED_FILES[] = {
     {"explosions/mini/ex000.png", PICTURE},
     {"explosions/mini/ex001.png", PICTURE},
@@ -205,6 +210,11 @@ struct PictureGroup {
     const char* name;
     std::vector<GameFile> files;
 };
+
+// The name of a case in the list of tests.
+void PrintTo(const PictureGroup& group, std::ostream* out) {
+    *out << group.name;
+}
 
 class GamePictures : public testing::TestWithParam<PictureGroup> {};
 
