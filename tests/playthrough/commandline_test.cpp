@@ -27,7 +27,7 @@ std::string expectedAddressLine() {
         line += static_cast<char>(std::toupper(static_cast<unsigned char>(address[i])));
     }
     for (bool right = true; line.size() < 66; right = !right) {
-        line = right ? line + " " : " " + line;
+        line.insert(right ? line.size() : 0, 1, ' ');
     }
     return "  |" + line + "|";
 }

@@ -10,9 +10,10 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// Frames of 100 ms, so that the animation steps with each of them. The clock passes 3000 ms in frame
-// 29, where the title starts; it stands in frame 60, where the hint starts; with Return in frame 80
-// both have left in frame 155, where the countdown starts; its six digits take eleven frames each.
+// Frames of 100 ms, so that the animation steps with each of them. The clock passes 3000 ms in
+// frame 29, where the title starts; it stands in frame 60, where the hint starts; with Return in
+// frame 80 both have left in frame 155, where the countdown starts; its six digits take eleven
+// frames each.
 constexpr char SLOW_INTRO[] = "frame 1 time 100\n";
 constexpr char RETURN[] = "frame 80 down return\nframe 81 up return\n";
 

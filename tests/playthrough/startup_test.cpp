@@ -89,6 +89,15 @@ std::string fileOf(const std::string& call) {
     return call.substr(begin, call.find(')') - begin);
 }
 
+bool isOpaque(SDL_Surface* picture, int x, int y) {
+    const Uint8* row = static_cast<const Uint8*>(picture->pixels) + ptrdiff_t{y} * picture->pitch;
+    Uint32 pixel = 0;
+    std::memcpy(&pixel, row + ptrdiff_t{x} * picture->format->BytesPerPixel, sizeof pixel);
+    Uint8 r = 0, g = 0, b = 0, alpha = 0;
+    SDL_GetRGBA(pixel, picture->format, &r, &g, &b, &alpha);
+    return alpha == SDL_ALPHA_OPAQUE;
+}
+
 // Whether the opaque pixels of the picture, from one of its rows on, are seen with its corner at
 // (x, y).
 bool isSeenAt(SDL_Surface* screen, const char* file, int x, int y, int firstRow = 0) {
@@ -96,17 +105,11 @@ bool isSeenAt(SDL_Surface* screen, const char* file, int x, int y, int firstRow 
     int compared = 0;
     for (int row = firstRow; row < picture->h; ++row) {
         for (int column = 0; column < picture->w; ++column) {
-            Uint32 pixel = 0;
-            Uint8 r = 0, g = 0, b = 0, alpha = 0;
-            std::memcpy(&pixel,
-                        static_cast<Uint8*>(picture->pixels) + row * picture->pitch + column * 4,
-                        4);
-            SDL_GetRGBA(pixel, picture->format, &r, &g, &b, &alpha);
-            if (alpha != SDL_ALPHA_OPAQUE) {
+            if (!isOpaque(picture, column, row)) {
                 continue;
             }
             ++compared;
-            if (pixelAt(screen, x + column, y + row) != Colour{r, g, b}) {
+            if (pixelAt(screen, x + column, y + row) != pixelAt(picture, column, row)) {
                 return false;
             }
         }

@@ -15,7 +15,7 @@ namespace front {
 
 class CallLog {
 public:
-    // Lines go to this file from now on; without it nothing is written. False when it cannot be made.
+    // Lines go to this file from now on, without it nowhere. False when it cannot be made.
     bool open(const char* path);
 
     void write(Uint32 clockMs, const std::string& line);
@@ -23,8 +23,8 @@ public:
     void countCall(const std::string& function);
     void countDrawing(const SDL_Surface* picture);
 
-    // Pictures and sounds are called by their files. Null is "none", an unknown one "unnamed".
-    void name(const void* asset, const std::string& file);
+    // Pictures and sounds are called by the paths of their files. Null is "none", an unknown one "unnamed".
+    void name(const void* asset, const std::string& path);
     std::string nameOf(const void* asset) const;
 
     // The counts of the whole run.

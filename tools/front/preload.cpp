@@ -81,7 +81,7 @@ void keepPicture(SDL_Surface* screen, const std::string& file) {
     }
 }
 
-// The next entry of a list when its moment has come, and then the list goes on behind it; else null.
+// The next entry of a list when its moment has come, else null; the list then goes on behind it.
 template <typename Entry> const Entry* nextDue(const std::vector<Entry>& list, size_t& next) {
     if (next == list.size() || !list[next].when.isDue(game->frame, game->clockMs)) {
         return nullptr;

@@ -175,7 +175,8 @@ bool readScenario(std::istream& in, const std::string& name, Scenario& scenario,
     for (int number = 1; std::getline(in, line); ++number) {
         const std::string wrong = reader.readLine(line);
         if (!wrong.empty()) {
-            error = name + ":" + std::to_string(number) + ": " + wrong;
+            error = name;
+            error.append(":").append(std::to_string(number)).append(": ").append(wrong);
             return false;
         }
     }
