@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: MIT
+# shellcheck shell=sh
 # Sourced by ./play and ./test: finds out what is missing on this machine and installs it, or says
 # what to install. Needs nothing but a POSIX shell.
 
@@ -75,10 +76,13 @@ install_missing() {
     fi
     say "Installing what is missing:$debian_packages"
     # shellcheck disable=SC2086 # lists of words
-    $as_root apt-get update -q &&
-        $as_root env DEBIAN_FRONTEND=noninteractive \
-            apt-get install -y -q --no-install-recommends $debian_packages ||
+    if ! {
+        $as_root apt-get update -q &&
+            $as_root env DEBIAN_FRONTEND=noninteractive \
+                apt-get install -y -q --no-install-recommends $debian_packages
+    }; then
         fail "apt-get could not install the packages; its own message stands above."
+    fi
 }
 
 # build PRESET [CMAKE OPTIONS]: configures on the first call, and builds what has changed.
