@@ -41,4 +41,6 @@ ENERGY = ramp("18e05c", "34e848", "74ec30", "c4ee20", "ffe81c", "ffae14", "ff3c1
               "f81c1c")
 
 LASER_CORE, LASER_BODY, LASER_EDGE = ramp("ffffff", "5cf4ff", "1c7cff")
-PLASMA = ramp("fff0ff", "ff2cc8", "b0089c", "3a0040")
+# A pure magenta with a violet rim: eyes that do not tell red from green see it as blue, and take it
+# neither for the pale hull that it flies at nor for a rocket.
+PLASMA = ramp("fff0ff", "fa14e0", "a000b4", "3a0044")

@@ -19,10 +19,11 @@ LASER_COOLING = np.array([0.10, 0.00, 0.00, 0.05, 0.15, 0.35, 0.60, 0.90, 1.20, 
 
 PLASMA_HEIGHT_PX, PLASMA_WIDTH_PX = 8, 11
 PLASMA_RADIUS_X_PX, PLASMA_RADIUS_Y_PX = 5.5, 4.0
-# Colour and alpha by distance from the centre, 1 at the rim.
-PLASMA_STOPS = np.array([0.00, 0.30, 0.48, 0.66, 0.84, 1.00])
-PLASMA_MIX = np.array([0.00, 0.04, 0.80, 1.15, 2.00, 3.00])
-PLASMA_ALPHA = np.array([1.00, 1.00, 1.00, 0.96, 0.60, 0.00])
+# Colour and alpha by distance from the centre, 1 at the rim. The last tenth is a dark of the shot's
+# own colour: it is not seen over space, and parts the shot from a hull and from fire.
+PLASMA_STOPS = np.array([0.00, 0.30, 0.40, 0.64, 0.80, 0.90, 1.00])
+PLASMA_MIX = np.array([0.00, 0.05, 1.05, 1.45, 2.10, 3.00, 3.00])
+PLASMA_ALPHA = np.array([1.00, 1.00, 1.00, 1.00, 0.97, 0.85, 0.00])
 
 
 def mix(ramp, position):
