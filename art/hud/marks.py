@@ -10,8 +10,8 @@ from palette import MARK
 
 SIZE_PX = 13
 ARM_PX = 11
-SOLID_PX = 5  # from here the arm fades to its end
-END_ALPHA = 0.16
+SOLID_PX = 8  # from here the arm fades to its end
+END_ALPHA = 0.34
 
 
 def top_left():

@@ -33,8 +33,9 @@ COMET = ramp("ffffff", "84e6ff", "2098e8", "186fd0", "155fc0", "114ca8", "0e3e92
              "0a2868", "082058")
 COMET_ALPHA = (1.0, 0.86, 0.70, 0.56, 0.44, 0.34, 0.25, 0.17, 0.10, 0.05)
 
-# Target marks, from the outer edge inwards.
-MARK = ramp("c8ff9c", "46e83c")
+# Target marks, from the outer edge inwards: the light line is seen over space and smoke, the dark
+# one over the yellow of a blast.
+MARK = ramp("c8ff9c", "189826")
 
 # The eight energy segments from the top, then the last row. The warning comes with the red ones.
 ENERGY = ramp("18e05c", "34e848", "74ec30", "c4ee20", "ffe81c", "ffae14", "ff3c1c", "f81c1c",
