@@ -9,6 +9,7 @@
 import numpy as np
 
 import kit
+from glyphs import shadow_of
 from palette import ENERGY, ICE, SHADOW, SHADOW_ALPHAS
 
 TUBE_HEIGHT_PX, TUBE_WIDTH_PX = 65, 10
@@ -44,12 +45,14 @@ def tube():
 
 
 def scale():
-    picture = np.zeros((SCALE_HEIGHT_PX, SCALE_WIDTH_PX, 4))
-    picture[..., :3] = SHADOW
     ticks = FIRST_TICK_ROW + TICK_STEP_ROWS * np.arange(TICKS)
+    lines = np.zeros((SCALE_HEIGHT_PX, SCALE_WIDTH_PX))
+    lines[:, :AXIS_COLUMNS] = 1.0
     for row, length in zip(ticks, TICK_LENGTHS_PX):
-        picture[row + 1, 1:length, 3] = SHADOW_ALPHAS[0]
-    picture[:, AXIS_COLUMNS, 3] = SHADOW_ALPHAS[0]
+        lines[row, :length] = 1.0
+    picture = np.zeros(lines.shape + (4,))
+    picture[..., :3] = SHADOW
+    picture[..., 3] = shadow_of(lines, SHADOW_ALPHAS[:1])
     picture[:, 0] = [*AXIS_LIGHT, 1.0]
     picture[:, 1] = [*AXIS_DARK, 1.0]
     for i, (row, length) in enumerate(zip(ticks, TICK_LENGTHS_PX)):

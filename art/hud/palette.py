@@ -21,17 +21,20 @@ def ramp(*texts):
 ICE = ramp("f4fdff", "a6dcfb", "5eaee8", "b4e6ff")
 # The frame rate's label, dimmer than its digits: the figure is read, not its name.
 DIM_ICE = ramp("9cc8e4", "6ca4cc", "3f7db4", "6ea8d2")
-GOLD = ramp("fff3c8", "ffdf86", "f4b63c", "ffd25c", "ffe49a")
+# Lighter than fire above and darker than it at the base, so that strokes do not melt into it.
+GOLD = ramp("fff8dc", "fff0bc", "ffe8a0", "ffda70", "c47e14")
 
 # Letters and lines throw this, so that they keep an edge over fire.
-SHADOW = colour("02060e")
-SMALL_SHADOW_ALPHAS = (0.92,)  # the small digits have no room for more than their own hollows
-SHADOW_ALPHAS = (0.72, 0.45)  # one pixel away, and two: there the next letter's edge needs it
+SHADOW = colour("02050b")
+# The small digits have no room for more than their own hollows. Were these darker, they would be
+# read over fire instead of the strokes.
+SMALL_SHADOW_ALPHAS = (0.80,)
+SHADOW_ALPHAS = (0.76, 0.46)  # one pixel away, and two: there the next letter's edge needs it
 
 # Comet behind the typing cursor, from its head to where it is lost.
-COMET = ramp("ffffff", "84e6ff", "2098e8", "186fd0", "155fc0", "114ca8", "0e3e92", "0c327c",
+COMET = ramp("ffffff", "80e6ff", "1470cc", "1268c2", "1058b6", "0e4aa6", "0c3e92", "0a327c",
              "0a2868", "082058")
-COMET_ALPHA = (1.0, 0.86, 0.70, 0.56, 0.44, 0.34, 0.25, 0.17, 0.10, 0.05)
+COMET_ALPHA = (1.0, 0.86, 0.675, 0.54, 0.43, 0.34, 0.25, 0.17, 0.10, 0.05)
 
 # Target marks, from the outer edge inwards: the light line is seen over space and smoke, the dark
 # one over the yellow of a blast.
