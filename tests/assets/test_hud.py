@@ -28,6 +28,7 @@ SIZES = {  # width and height
 
 BLACK = (0, 0, 0)
 FIRE = (255, 236, 140)  # the hottest colour that a blast keeps over a large area
+ORANGE = (255, 180, 40)  # what a fireball shows most of
 EMBER = (255, 106, 8)
 HULL = (230, 236, 244)
 WHITE = (255, 255, 255)  # a blast's flash, the worst ground of all
@@ -36,6 +37,21 @@ GLYPH_ROWS = 8  # the ninth row is for the shadow
 SOLID = 0.75  # part of a glyph's pixel that the glyph, not its shadow, must cover to be seen as it
 LIT = 0.1  # luminance over black from which a pixel belongs to a glyph and not to a shadow
 SEGMENT = 8  # energy that a hit costs, and rows of a segment
+SEEN = 1.3  # contrast from which a small thing parts from its ground
+CLEARLY_APART = 15  # CIE L*a*b*, between the mean colours of two things
+
+# How linear light is seen with full sight and with the three common kinds of colour blindness.
+SIGHT = {
+    "full sight": [[1, 0, 0], [0, 1, 0], [0, 0, 1]],
+    "red-blind": [[0.152286, 1.052583, -0.204868], [0.114503, 0.786281, 0.099216],
+                  [-0.003882, -0.048116, 1.051998]],
+    "green-blind": [[0.367322, 0.860646, -0.227968], [0.280085, 0.672501, 0.047413],
+                    [-0.011820, 0.042940, 0.968881]],
+    "blue-blind": [[1.255528, -0.076749, -0.178779], [-0.078411, 0.930809, 0.147602],
+                   [0.004733, 0.691367, 0.303900]],
+}
+TO_XYZ = np.array([[0.4124, 0.3576, 0.1805], [0.2126, 0.7152, 0.0722], [0.0193, 0.1192, 0.9505]])
+WHITE_XYZ = np.array([0.9505, 1.0, 1.089])
 
 
 def load(path):
@@ -59,11 +75,24 @@ def over(picture, colour):
     return screen
 
 
+def linear(pixels):
+    """Light (0 to 1) of 8-bit colours."""
+    value = np.asarray(pixels) / 255.0
+    return np.where(value <= 0.04045, value / 12.92, ((value + 0.055) / 1.055) ** 2.4)
+
+
 def luminance(pixels):
     """Relative luminance (0 to 1), as the eye weighs the light of a display."""
-    value = np.asarray(pixels) / 255.0
-    linear = np.where(value <= 0.04045, value / 12.92, ((value + 0.055) / 1.055) ** 2.4)
-    return linear @ np.array([0.2126, 0.7152, 0.0722])
+    return linear(pixels) @ np.array([0.2126, 0.7152, 0.0722])
+
+
+def typical(picture, sight):
+    """CIE L*a*b* of what belongs to a thing, as somebody with this sight sees it."""
+    colours = linear(picture[picture[..., 3] >= 128][:, :3])
+    xyz = np.clip(colours @ np.array(SIGHT[sight]).T, 0, 1) @ TO_XYZ.T / WHITE_XYZ
+    f = np.where(xyz > 0.008856, np.cbrt(xyz), 7.787 * xyz + 16 / 116)
+    return np.stack([116 * f[:, 1] - 16, 500 * (f[:, 0] - f[:, 1]),
+                     200 * (f[:, 1] - f[:, 2])], axis=1).mean(axis=0)
 
 
 def contrast(one, other):
@@ -257,6 +286,14 @@ class SmallDigits(unittest.TestCase):
             with self.subTest(ground_colour):
                 self.assertGreaterEqual(contrast(np.mean(strokes), np.mean(hollows)), 7.0)
 
+    def test_have_strokes_that_stand_out_of_a_fireball(self):
+        ground_light = luminance(ORANGE)
+        for i, cell in enumerate(self.cells()):
+            strokes = luminance(over(cell, ORANGE))[lit(cell)]
+            seen = [contrast(light, ground_light) >= SEEN for light in strokes]
+            with self.subTest(i):
+                self.assertTrue(all(seen), f"{seen.count(False)} of {len(seen)} pixels melt in")
+
     def test_are_all_told_apart(self):
         masks = [lit(cell) for cell in self.cells()]
         for i, one in enumerate(masks):
@@ -323,7 +360,7 @@ class Readability(unittest.TestCase):
         self.check(1.3, BLACK, 1)
 
     def test_text_over_fire_is_read_under_the_tail_too(self):
-        for frame, at_least in ((2, 1.5), (3, 2.0), (5, 2.5), (9, 3.0)):
+        for frame, at_least in ((2, 1.6), (3, 2.3), (5, 3.0), (9, 3.5)):
             with self.subTest(frame):
                 self.check(at_least, FIRE, frame)
 
@@ -438,6 +475,14 @@ class EnergyScale(unittest.TestCase):
                 self.assertEqual(red, row >= 49)
 
 
+    def test_stands_out_of_fire_with_every_tick(self):
+        light = luminance(over(load("display/energyscale.png"), ORANGE))
+        for row in self.TICKS:
+            for beside in (row - 1, row + 1):
+                with self.subTest(row):
+                    self.assertGreater(contrast(light[row, 3], light[beside, 3]), 4.0)
+
+
 class TargetMarks(unittest.TestCase):
     def marks(self):
         names = ("topleft", "topright", "bottomleft", "bottomright")
@@ -479,6 +524,16 @@ class TargetMarks(unittest.TestCase):
             self.assertTrue(90 <= hue(pixel) <= 130)
         self.assertGreater(luminance(over(mark, BLACK))[0, 0], 0.6)
 
+    def test_keep_both_arms_to_their_inner_ends_over_space_and_fire(self):
+        mark = self.marks()[0]
+        for ground_colour in (BLACK, EMBER, ORANGE, FIRE):
+            light = luminance(over(mark, ground_colour))[:2, 2:11]
+            best = [max(contrast(each, luminance(ground_colour)) for each in across)
+                    for across in light.T]
+            with self.subTest(ground_colour):
+                self.assertGreater(min(best[:7]), 1.6)
+                self.assertGreater(min(best), 1.2)
+
 
 class Laser(unittest.TestCase):
     def test_has_a_white_core_in_the_middle_column_and_a_bright_head(self):
@@ -519,6 +574,24 @@ class EnemyShot(unittest.TestCase):
         screen = over(picture, BLACK)
         for pixel in screen[screen.max(axis=2) > 40]:
             self.assertTrue(290 <= hue(pixel) <= 325, pixel)
+
+    def test_is_told_from_both_ships_and_the_players_fire_by_every_kind_of_sight(self):
+        shot = load("shots/e_shot01c.png")
+        for path in ("ships/ship01.png", "ships/enemy01.png", "shots/shot01a.png",
+                     "shots/shot01b.png"):
+            if not os.path.exists(os.path.join(DATA, path)):
+                self.skipTest(f"no {path}")
+            for sight in SIGHT:
+                with self.subTest(path, sight=sight):
+                    apart = np.linalg.norm(typical(shot, sight) - typical(load(path), sight))
+                    self.assertGreaterEqual(apart, CLEARLY_APART)
+
+    def test_wears_a_dark_rim_that_parts_it_from_the_hull_it_hits(self):
+        picture = load("shots/e_shot01c.png")
+        rim = luminance(over(picture, HULL))[[0, 3, 7], [5, 0, 5]]
+        self.assertTrue(all(contrast(light, luminance(HULL)) > 2.5 for light in rim), rim)
+        body = luminance(over(picture, BLACK))[3, 2]
+        self.assertGreater(body, 0.15, "seen over space")
 
     def test_is_wider_than_high_as_no_laser_is(self):
         left, right, top, bottom = box(lit(load("shots/e_shot01c.png")))
