@@ -41,6 +41,7 @@ FLASH_CENTRE, FLASH_RADIUS_PX = (9.0, 8.0), 7.5
 TEXT_CELL_PX = 8
 STROKE, SOFTENED = 0.2, 0.05  # luminance over space of a letter's strokes, and of their soft ends
 READABLE, READABLE_UNDER_TAIL = 3.0, 2.0  # contrast ratios; large bold text needs 3
+LIT = 0.03                  # luminance over space of a gauge's lit parts; its shadow has none
 HIT_COSTS, FULL_ENERGY = 8, 65
 TUBE_TOP, SCALE_TOP = 403, 402            # rows of the screen
 FRINGE_SHARE = 0.02
@@ -248,8 +249,9 @@ def text_contrast(letters, places, tail=None):
 
 
 def gauge(pictures):
-    lit = figures.luminance(figures.over(pictures[TUBE])).max(axis=1) > 0.03
-    ticks = set(SCALE_TOP + np.flatnonzero(pictures[SCALE][:, 3, 3] >= figures.METAL))
+    lit = figures.luminance(figures.over(pictures[TUBE])).max(axis=1) > LIT
+    beside_axis = figures.luminance(figures.over(pictures[SCALE]))[:, 3]
+    ticks = set(SCALE_TOP + np.flatnonzero(beside_axis > LIT))
     left = [FULL_ENERGY - HIT_COSTS * hit for hit in range(9)]
     gone = [segments(lit[FULL_ENERGY - energy:]) for energy in left]
     yield ("Does each hit put out exactly one segment?",
