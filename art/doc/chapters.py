@@ -19,9 +19,9 @@ HEAD = """# Pictures and sounds
 <!-- SPDX-License-Identifier: CC0-1.0 -->
 <!-- Written by art/page. Change art/doc/ and run it again. -->
 
-What the game shows and plays, measured and shown as it is in `data/`. `art/page` writes this page,
-`art/screens` plays the game for its screens, and a test says when either is out of date. How the
-files are made from their sources: [art/README.md](../art/README.md).
+What the game shows and plays, measured and shown as it is in `data/`, and its icon. `art/page`
+writes this page, `art/screens` plays the game for its screens, and a test says when either is out
+of date. How the files are made from their sources: [art/README.md](../art/README.md).
 """
 
 SHEETS = (
@@ -95,6 +95,17 @@ def contact_sheets(_facts):
         yield f"### {title}\n"
         yield words + "\n"
         yield "\n".join(picture(name, f"{title}, {name.rsplit('-', 1)[1]}") for name in names)
+
+
+def icon(facts):
+    yield "## The icon\n"
+    yield "What desktops show for the game, on a dark and on a light one: nine sizes, and the " \
+        "two smallest enlarged. From 48 pixels up the ship is tilted; smaller, it stands upright " \
+        "and is simplified. A drawing serves every other size.\n"
+    yield picture("icon", "The icon in nine sizes on a dark and on a light desktop")
+    yield table(("File", "Size", "Made from", "With", "Licence", "Sum"),
+                ((f"`{file.path}`", file.size, file.content, file.tool, file.licence,
+                  f"`{file.sum}`") for file in facts.icons))
 
 
 def screens(facts):
@@ -209,8 +220,8 @@ def tested(facts):
                 for sentence in found) + "\n"
 
 
-CHAPTERS = (questions, looked, contact_sheets, screens, levels, each_sound, countdown, minute,
-            every_file, tested)
+CHAPTERS = (questions, looked, contact_sheets, icon, screens, levels, each_sound, countdown,
+            minute, every_file, tested)
 
 
 def page(facts):

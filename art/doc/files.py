@@ -120,7 +120,7 @@ def first_fit(path, table, fault):
     for pattern, value in table:
         if fnmatch.fnmatchcase(path, pattern):
             return value
-    raise pieces.ArtError(f"data/{path}: {fault}")
+    raise pieces.ArtError(fault)
 
 
 def describe(data):
@@ -132,10 +132,10 @@ def describe(data):
         if path not in makers:
             raise pieces.ArtError(f"data/{path}: made by no piece of art/")
         words, values = size(data, path)
-        yield File(path, words, first_fit(path, CONTENTS, "art/doc/files.py does not know it"),
-                   readers(path, known), makers[path], TOOLS[makers[path]],
-                   first_fit(f"data/{path}", rules, "has no licence"),
-                   f"{zlib.crc32(values):08x}")
+        content = first_fit(path, CONTENTS, f"data/{path}: art/doc/files.py does not know it")
+        licence = first_fit(f"data/{path}", rules, f"data/{path}: has no licence")
+        yield File(path, words, content, readers(path, known), makers[path], TOOLS[makers[path]],
+                   licence, f"{zlib.crc32(values):08x}")
 
 
 def rows(described):

@@ -6,6 +6,7 @@
 # usage: test_page.py [DATA_DIR]
 
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -21,6 +22,7 @@ sys.path[:0] = [os.path.join(ROOT, *part) for part in
 import numpy as np
 
 import criteria
+import desktop
 import figures
 import files
 import hearing
@@ -175,6 +177,78 @@ class Questions(unittest.TestCase):
             self.pictures[path][soft, :3] = 0
         for words in ("wholly clear", "fringes over fire"):
             self.refuse(criteria.every_picture, words)
+
+
+class Icon(unittest.TestCase):
+    """Each breaks the icon in one way, and the question about it must be answered with no."""
+
+    def setUp(self):
+        self.icons = desktop.load(desktop.described())
+        self.player, self.enemy = (kit.load(os.path.join(DATA, paths[0]))
+                                   for paths in (criteria.PLAYER, criteria.ENEMY))
+
+    def refused(self):
+        return [question for question, yes, _ in
+                desktop.asked(self.icons, self.player, self.enemy) if not yes]
+
+    def refuse(self, words):
+        self.assertRegex("\n".join(self.refused()), words)
+
+    def test_the_icon_as_it_is(self):
+        self.assertEqual(self.refused(), [])
+
+    def test_a_size_that_lacks_or_is_another(self):
+        self.icons[64] = self.icons[48]
+        self.refuse("every size that desktops ask for")
+        del self.icons[64]
+        self.refuse("every size that desktops ask for")
+
+    def test_another_ship_in_one_size(self):
+        for size in (16, 256):
+            with self.subTest(size):
+                was = self.icons[size]
+                self.icons[size] = was[::-1]
+                self.refuse("player's ship of the game")
+                self.icons[size] = was
+
+    def test_an_icon_of_the_enemy(self):
+        self.player, self.enemy = self.enemy, self.player
+        self.refuse("player's ship of the game")
+
+    def test_a_ship_as_dark_as_its_tile(self):
+        self.icons[16][..., :3] //= 3
+        self.refuse("stand out of its tile at 16 px")
+
+    def test_a_corner_that_is_not_clear(self):
+        self.icons[512][-1, 0] = 255
+        self.refuse("corners clear")
+
+    def test_its_table_names_every_file_with_size_and_licence(self):
+        found = list(desktop.described())
+        self.assertEqual([desktop.edge(file.path) for file in found], [*desktop.SIZES, None])
+        for file in found:
+            with self.subTest(file.path):
+                self.assertRegex(file.size, r"\d+ x \d+$")
+                self.assertEqual(file.licence, "CC0-1.0")
+                for source in re.findall(r"\]\((.*?)\)", file.content):
+                    self.assertTrue(os.path.exists(os.path.join(ROOT, "docs", source)), source)
+
+    def test_its_picture_shows_every_size_on_both_desktops(self):
+        pixels = desktop.sheet(self.icons)
+        for ground in desktop.GROUNDS:
+            with self.subTest(ground):
+                self.assertGreater((pixels == ground).all(axis=2).mean(), 0.05)
+        for size, icon in self.icons.items():
+            part = icon[size // 4:-(size // 4), size // 4:-(size // 4), :3]
+            with self.subTest(size):
+                self.assertEqual(self.places(pixels, part), 2)
+
+    def places(self, pixels, part):
+        """How often a part is found in a picture, by its first row."""
+        row = part[0]
+        starts = np.argwhere((pixels[:, :-len(row)] == row[0]).all(axis=2))
+        return sum(np.array_equal(pixels[y:y + len(part), x:x + len(row)], part)
+                   for y, x in starts)
 
 
 class Sounds(unittest.TestCase):
