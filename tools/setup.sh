@@ -48,7 +48,17 @@ need_build_tools() {
     need_library SDL_mixer libsdl-mixer1.2-dev SDL_mixer-devel sdl_mixer libSDL_mixer-devel
 }
 
+# What the programs of tools/ are built from, and the encoder that they call.
+need_replay_tools() {
+    need_library zlib zlib1g-dev zlib-devel zlib zlib-devel
+    need_library libpng libpng-dev libpng-devel libpng libpng16-devel
+    need_library libxxhash libxxhash-dev xxhash-devel xxhash xxhash-devel
+    need_library CLI11 libcli11-dev cli11-devel cli11 cli11-devel
+    need_command ffmpeg ffmpeg ffmpeg-free ffmpeg ffmpeg
+}
+
 need_test_tools() {
+    need_replay_tools
     need_library gtest libgtest-dev gtest-devel gtest gtest
     need_python numpy python3-numpy python3-numpy python-numpy python3-numpy
     need_python PIL python3-pil python3-pillow python-pillow python3-Pillow

@@ -12,8 +12,8 @@
 // is set, or else goes on to the library. So tests and tools hold the clock, the events, the picture
 // and the sounds of a game that knows nothing of it.
 //
-// Hooks run in the main thread only; the mixer's thread always gets the library. A library may call
-// its own functions, and then meets the hooks too.
+// Hooks meet the program's own calls in its main thread. What the libraries call for themselves, and
+// what the mixer's thread calls, always gets the library.
 namespace front {
 
 // NAME, result, parameters, arguments: one row for each function that the game calls.
