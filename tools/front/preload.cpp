@@ -3,6 +3,7 @@
 // environment. README.md beside this file tells how to use it.
 #include "front/session.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -24,12 +25,25 @@ std::string variable(const char* name) {
     return value == nullptr ? "" : value;
 }
 
+// A recorded game ends where it ended; one that was cut off is left there.
+void endAtItsEnd(Recording& script) {
+    const Uint32 frames = static_cast<Uint32>(script.seen.checks.size());
+    script.given.lastFrame = frames;
+    if (!script.cutOff.empty()) {
+        script.given.events.push_back({{When::FRAME, frames}, SDL_QUIT, SDLK_UNKNOWN});
+        ++script.given.lastFrame;
+    }
+}
+
 void loadScript(const std::string& path, SessionOptions& options) {
     std::string error;
     if (!readRecording(path, options.script, error)) {
         stop(error);
     }
     options.scripted = true;
+    if (options.script.isRecording) {
+        endAtItsEnd(options.script);
+    }
 }
 
 // FRAME:FILE,FRAME:FILE ... in the order of the frames

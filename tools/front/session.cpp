@@ -244,8 +244,9 @@ void Session::startLiveClock() {
 }
 
 void Session::recordFrame(Uint64 hash, Uint32 ms) {
-    if (lastHud.energy != hud.energy || lastHud.lasers != hud.lasers ||
-        lastHud.rockets != hud.rockets) {
+    const bool changed = lastHud.energy != hud.energy || lastHud.lasers != hud.lasers ||
+                         lastHud.rockets != hud.rockets;
+    if (hudIsShown && changed) {
         recorder.hud(hud.energy, hud.lasers, hud.rockets);
         lastHud = hud;
     }
@@ -422,9 +423,7 @@ void Session::notePictures() {
         log.name(picture, file);
         note(picture == nullptr ? text("IMG_Load(%s) = none", file)
                                 : text("IMG_Load(%s) = %i x %i", file, picture->w, picture->h));
-        if (recorder.isOpen()) {
-            recorder.head.files.push_back({file, fileHash(file)});
-        }
+        noteFile(file);
         if (std::strcmp(file, ENERGY_BAR) == 0) {
             energyBar = picture;
         } else if (std::strcmp(file, SMALL_DIGITS) == 0) {
@@ -440,6 +439,16 @@ void Session::notePictures() {
     };
 }
 
+// Each file once, although some are loaded for each enemy anew.
+void Session::noteFile(const char* file) {
+    std::vector<LoadedFile>& files = recorder.head.files;
+    const bool isNew = std::none_of(files.begin(), files.end(),
+                                    [&](const LoadedFile& other) { return other.file == file; });
+    if (recorder.isOpen() && isNew) {
+        files.push_back({file, fileHash(file)});
+    }
+}
+
 // Reads the display as the player does: the height of the energy bar, the digits of the counters.
 void Session::noteBlit(const SDL_Surface* from, const SDL_Rect* part, const SDL_Rect* place) {
     if (from == nullptr || part == nullptr || place == nullptr) {
@@ -447,6 +456,7 @@ void Session::noteBlit(const SDL_Surface* from, const SDL_Rect* part, const SDL_
     }
     if (from == energyBar) {
         hud.energy = part->h <= MOST_ENERGY ? part->h : 0;
+        hudIsShown = true;
     } else if (from == smallDigits && (place->y == LASERS_Y || place->y == ROCKETS_Y)) {
         constexpr Uint32 PLACES[] = {100, 10, 1};
         const int digit = (place->x - HUNDREDS_X) / SMALL_DIGIT_PX;
@@ -470,9 +480,7 @@ void Session::noteSounds() {
     };
     all.SDL_RWFromFile = [this](const char* file, const char* mode) {
         lastOpened = file;
-        if (recorder.isOpen()) {
-            recorder.head.files.push_back({file, fileHash(file)});
-        }
+        noteFile(file);
         return real::SDL_RWFromFile(file, mode);
     };
     all.Mix_LoadWAV_RW = [this](SDL_RWops* source, int freeSource) {

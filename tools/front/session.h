@@ -66,6 +66,7 @@ private:
 
     void note(const std::string& line);
     void noteMixer(const std::string& line, bool succeeded = true);
+    void noteFile(const char* file);
     void noteBlit(const SDL_Surface* from, const SDL_Rect* part, const SDL_Rect* place);
 
     int flip(SDL_Surface* screen);
@@ -113,6 +114,7 @@ private:
     const SDL_Surface* smallDigits = nullptr;
     HudReading hud = {0, 0, 0, 0};
     HudReading lastHud = {0, ~0U, 0, 0};
+    bool hudIsShown = false;
 
     // what was printed
     int textFile = -1;  // takes the place of standard output

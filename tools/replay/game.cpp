@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: MIT
+#include "replay/game.h"
+
+#include "front/session.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <initializer_list>
+#include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace replay {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char FIRST_ASSET[] = "/explosions/ex0000.png";  // tells a folder of game data
+constexpr int STATUS_NOT_STARTED = 96;
+
+fs::path ownFolder() {
+    return fs::read_symlink("/proc/self/exe").parent_path();
+}
+
+// The first of these places, relative to this tool, where there is such a file.
+std::string findFile(std::initializer_list<const char*> places, const std::string& within,
+                     const std::string& what, const std::string& option) {
+    for (const char* place : places) {
+        const fs::path path = (ownFolder() / place).lexically_normal();
+        if (fs::exists(path.string() + within)) {
+            return path.string();
+        }
+    }
+    throw Trouble(what + " is not beside this program; name it with " + option);
+}
+
+void setVariable(const char* name, const std::string& value) {
+    if (value.empty()) {
+        unsetenv(name);
+    } else {
+        setenv(name, value.c_str(), 1);
+    }
+}
+
+std::string keptList(const std::vector<KeptFrame>& kept) {
+    std::string list;
+    for (const KeptFrame& entry : kept) {
+        list += (list.empty() ? "" : ",") + std::to_string(entry.frame) + ':' + entry.file;
+    }
+    return list;
+}
+
+void setEnvironment(const Place& place, const GameRun& run) {
+    const std::string others =
+        std::getenv("LD_PRELOAD") == nullptr ? "" : std::getenv("LD_PRELOAD");
+    setVariable("LD_PRELOAD", place.preload + (others.empty() ? "" : ":" + others));
+    setVariable("KRAVOLTIX_SCENARIO", run.script.empty() ? "" : fs::absolute(run.script).string());
+    setVariable("KRAVOLTIX_RECORD",
+                run.recordTo.empty() ? "" : fs::absolute(run.recordTo).string());
+    setVariable("KRAVOLTIX_KEEP", keptList(run.kept));
+    setVariable("KRAVOLTIX_SPEED", run.speed > 0 ? std::to_string(run.speed) : "");
+    setVariable("KRAVOLTIX_FILM", run.filmTo >= 0 ? std::to_string(run.filmTo) : "");
+    setVariable("KRAVOLTIX_FILM_RATE", std::to_string(run.filmRate));
+    setVariable("KRAVOLTIX_CALLS", "");
+    setVariable("KRAVOLTIX_PICTURES", "");
+    // A game built with the address sanitizer refuses libraries in front of its own.
+    const char* sanitizer = std::getenv("ASAN_OPTIONS");
+    setVariable("ASAN_OPTIONS", (sanitizer == nullptr ? "" : std::string(sanitizer) + ":") +
+                                    "verify_asan_link_order=0:detect_leaks=0");
+    if (!run.seen) {
+        setVariable("SDL_VIDEODRIVER", "dummy");
+        setVariable("SDL_AUDIODRIVER", "dummy");
+    }
+}
+
+void redirect(int from, int to) {
+    if (from >= 0) {
+        dup2(from, to);
+        close(from);
+    }
+}
+
+[[noreturn]] void becomeGame(const Place& place, const GameRun& run) {
+    setEnvironment(place, run);
+    if (run.quiet) {
+        redirect(open("/dev/null", O_WRONLY), STDOUT_FILENO);
+    }
+    std::vector<char*> arguments = {const_cast<char*>("kravoltix")};
+    for (const std::string& argument : run.arguments) {
+        arguments.push_back(const_cast<char*>(argument.c_str()));
+    }
+    arguments.push_back(nullptr);
+    const std::string program = fs::absolute(place.program).string();
+    if (chdir(place.data.c_str()) == 0) {
+        execv(program.c_str(), arguments.data());
+    }
+    _exit(STATUS_NOT_STARTED);
+}
+
+std::string contentOf(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream content;
+    content << in.rdbuf();
+    return content.str();
+}
+
+// What the layer has to say, without its own name in front.
+std::string layersMessage(const std::string& errors) {
+    const std::string name = "front: ";
+    const size_t start = errors.find(name);
+    if (start == std::string::npos) {
+        return errors.empty() ? "the game could not be started" : errors;
+    }
+    const size_t end = errors.find('\n', start);
+    return errors.substr(start + name.size(), end - start - name.size());
+}
+
+}  // namespace
+
+void complete(Place& place) {
+    if (place.program.empty()) {
+        place.program = findFile({"kravoltix", "../lib/games/kravoltix/kravoltix"}, "", "the game",
+                                 "--game PROGRAM");
+    }
+    if (place.preload.empty()) {
+        place.preload =
+            findFile({"libkravoltix_preload.so", "../lib/games/kravoltix/libkravoltix_preload.so"},
+                     "", "the layer libkravoltix_preload.so", "--layer FILE");
+    }
+    if (place.data.empty()) {
+        place.data = findFile({"../../data", "../share/games/kravoltix"}, FIRST_ASSET,
+                              "the folder of the game's pictures and sounds", "--data FOLDER");
+    }
+    if (access(place.program.c_str(), X_OK) != 0) {
+        throw Trouble(place.program + ": is no program that can be run (--game)");
+    }
+    if (!fs::is_directory(place.data)) {
+        throw Trouble(place.data + ": is no folder (--data)");
+    }
+    place.preload = fs::absolute(place.preload).string();
+}
+
+int startGame(const Place& place, const GameRun& run) {
+    const pid_t process = fork();
+    if (process == 0) {
+        becomeGame(place, run);
+    }
+    if (process < 0) {
+        throw Trouble(std::string("the game cannot be started: ") + std::strerror(errno));
+    }
+    return process;
+}
+
+GameResult waitForGame(int process) {
+    int state = 0;
+    while (waitpid(process, &state, 0) < 0 && errno == EINTR) {
+    }
+    GameResult result;
+    result.status = WIFEXITED(state) ? WEXITSTATUS(state) : -1;
+    result.signal = WIFSIGNALED(state) ? WTERMSIG(state) : 0;
+    if (result.status == STATUS_NOT_STARTED) {
+        throw Trouble("the game could not be started");
+    }
+    return result;
+}
+
+GameResult runGame(const Place& place, const GameRun& run) {
+    return waitForGame(startGame(place, run));
+}
+
+front::Recording readFile(const std::string& path, bool partly) {
+    front::Recording recording;
+    std::string error;
+    if (!front::readRecording(path, recording, error)) {
+        throw Trouble(error);
+    }
+    if (!recording.cutOff.empty() && !partly) {
+        throw Trouble(recording.cutOff + " (--partial takes what there is)");
+    }
+    return recording;
+}
+
+front::Recording playAgain(const Place& place, const std::string& path,
+                           const std::vector<KeptFrame>& kept) {
+    const TemporaryFolder folder;
+    GameRun run;
+    run.script = path;
+    run.arguments = readFile(path, true).given.arguments;
+    run.recordTo = folder.path + "/again.kvx";
+    run.kept = kept;
+    const std::string errors = folder.path + "/errors.txt";
+    const pid_t process = fork();
+    if (process == 0) {
+        redirect(open(errors.c_str(), O_WRONLY | O_CREAT, 0600), STDERR_FILENO);
+        becomeGame(place, run);
+    }
+    const GameResult result = waitForGame(process);
+    if (result.status == front::STATUS_BAD_SCRIPT || !fs::exists(run.recordTo)) {
+        throw Trouble(layersMessage(contentOf(errors)));
+    }
+    front::Recording again;
+    std::string error;
+    if (!front::readRecording(run.recordTo, again, error)) {
+        throw Trouble(path + ": the game was not written down: " + error);
+    }
+    if (result.signal != 0) {
+        throw Trouble(path + ": the game crashed in frame " +
+                      std::to_string(again.seen.checks.size()) +
+                      " or soon after: " + strsignal(result.signal));
+    }
+    if (!again.seen.ended) {
+        throw Trouble(path + ": the game has not written its end");
+    }
+    return again;
+}
+
+TemporaryFolder::TemporaryFolder() {
+    path = (fs::temp_directory_path() / "kravoltix-XXXXXX").string();
+    if (mkdtemp(path.data()) == nullptr) {
+        throw Trouble("no temporary folder can be made: " + std::string(std::strerror(errno)));
+    }
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+}
+
+}  // namespace replay
