@@ -23,14 +23,14 @@ bool isPlain(const SDL_PixelFormat& format) {
 void readRow(const SDL_Surface* screen, int y, Uint32* colours) {
     const Uint32* pixels = reinterpret_cast<const Uint32*>(
         static_cast<const Uint8*>(screen->pixels) + y * screen->pitch);
-    const SDL_PixelFormat& format = *screen->format;
-    if (isPlain(format)) {
-        for (int x = 0; x < screen->w; ++x) {
+    const int width = screen->w;  // a local: the compiler then knows that no pixel changes it
+    if (isPlain(*screen->format)) {
+        for (int x = 0; x < width; ++x) {
             colours[x] = pixels[x] & COLOUR_BITS;
         }
         return;
     }
-    for (int x = 0; x < screen->w; ++x) {
+    for (int x = 0; x < width; ++x) {
         Uint8 red, green, blue;
         SDL_GetRGB(pixels[x], screen->format, &red, &green, &blue);
         colours[x] = static_cast<Uint32>(red << 16 | green << 8 | blue);
@@ -52,21 +52,21 @@ bool writeAll(int descriptor, const void* from, size_t bytes) {
 
 }  // namespace
 
+// Block by block, each seeded with the hash of those above.
 Uint64 pictureHash(const SDL_Surface* screen) {
     static std::vector<Uint32> rows;
     const size_t width = static_cast<size_t>(screen->w);
     rows.resize(width * ROWS_AT_ONCE);
-    XXH3_state_t state;
-    XXH3_64bits_reset(&state);
+    Uint64 hash = 0;
     for (int y = 0; y < screen->h; y += ROWS_AT_ONCE) {
         const int count = std::min(ROWS_AT_ONCE, screen->h - y);
         for (int i = 0; i < count; ++i) {
             readRow(screen, y + i, rows.data() + width * static_cast<size_t>(i));
         }
-        XXH3_64bits_update(&state, rows.data(),
-                           width * static_cast<size_t>(count) * sizeof(Uint32));
+        hash = XXH3_64bits_withSeed(rows.data(),
+                                    width * static_cast<size_t>(count) * sizeof(Uint32), hash);
     }
-    return XXH3_64bits_digest(&state);
+    return hash;
 }
 
 Uint64 chained(Uint64 digest, Uint64 pictureHash) {

@@ -73,6 +73,10 @@ void Recorder::text(std::string_view bytes) {
 }
 
 void Recorder::call(Uint32 clockMs, const std::string& call) {
+    if (frames == 0) {
+        early.push_back({0, clockMs, call});
+        return;
+    }
     lines += "call " + std::to_string(frames) + ' ' + std::to_string(clockMs) + ' ' + call + '\n';
 }
 
@@ -98,7 +102,8 @@ void Recorder::end(Uint32 clockMs, Uint32 status) {
     descriptor = -1;
 }
 
-// The head stands before all that has happened until the first frame.
+// The head stands before all that has happened until the first frame. Only now is the clock known
+// that the game's start is told by.
 void Recorder::writeHead() {
     std::string text = RECORDING_WORD + formatted(" %llu\n", RECORDING_FORMAT);
     text += "library " + head.libraries + '\n';
@@ -112,6 +117,9 @@ void Recorder::writeHead() {
     }
     for (const LoadedFile& file : head.files) {
         text += "file " + quoted(file.file) + formatted(" %016llx\n", file.hash);
+    }
+    for (const LibraryCall& call : early) {
+        text += "call 0 " + std::to_string(head.startMs + call.clockMs) + ' ' + call.call + '\n';
     }
     lines.insert(0, text);
 }

@@ -30,6 +30,7 @@ public:
     void frame(Uint64 pictureHash, Uint32 ms);
     void event(Uint8 type, SDLKey key);
     void text(std::string_view bytes);
+    // Before the first frame the clock counts from the game's start, then from 0.
     void call(Uint32 clockMs, const std::string& call);
     void hud(Uint32 energy, Uint32 lasers, Uint32 rockets);
     void pixels(const SDL_Rect& box, Uint32 colour, Uint32 count);
@@ -51,6 +52,8 @@ private:
     int descriptor = -1;
     Uint32 frames = 0;  // shown so far
     Uint64 pictureDigest = 0;
+
+    std::vector<LibraryCall> early;  // before the first frame
 
     // the block
     std::string lines;

@@ -138,8 +138,12 @@ void Session::note(const std::string& line) {
 void Session::noteMixer(const std::string& line, bool succeeded) {
     note(line);
     if (recorder.isOpen() && succeeded) {
-        recorder.call(clockMs, line);
+        recordCall(line);
     }
+}
+
+void Session::recordCall(const std::string& line) {
+    recorder.call(frame == 0 ? clockMs - recorder.head.startMs : clockMs, line);
 }
 
 // The game's text goes into a file without a name, from which it is read between frames. So it is
@@ -531,7 +535,7 @@ void Session::noteFailure(const char* function, Uint32 call) {
         return;
     }
     if (std::strncmp(function, "Mix_", 4) == 0) {
-        recorder.call(clockMs, text("%s fails", function));
+        recordCall(text("%s fails", function));
     }
     if (isStart && frame == 0 && !options.scripted && !isSilence) {
         recorder.head.failures.push_back({function, call, SDL_GetError()});

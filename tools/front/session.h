@@ -67,6 +67,7 @@ private:
     void note(const std::string& line);
     void noteMixer(const std::string& line, bool succeeded = true);
     void noteFile(const char* file);
+    void recordCall(const std::string& line);
     void noteBlit(const SDL_Surface* from, const SDL_Rect* part, const SDL_Rect* place);
 
     int flip(SDL_Surface* screen);
