@@ -23,24 +23,29 @@ Uint32 timesIn(const std::string& text, const std::string& part) {
     return count;
 }
 
+// After a frame that took no time the game sleeps for a millisecond.
+Uint32 frameMs(const front::FrameRun& run) {
+    return run.ms == 0 ? 1 : run.ms;
+}
+
 Uint32 lengthOf(const front::Recording& recording) {
     if (recording.seen.ended) {
         return recording.seen.clockMs - recording.given.startMs;
     }
     Uint32 ms = 0;
     for (const front::FrameRun& run : recording.given.frameRuns) {
-        ms += run.ms * run.frames;
+        ms += frameMs(run) * run.frames;
     }
     return ms;
 }
 
-// The clock of a frame, by the times of the frames before it; short sleeps between frames are left out.
+// The clock of a frame, from the times of the frames before it.
 Uint32 clockOf(const front::Recording& recording, Uint32 frame) {
     Uint32 ms = 0;
     Uint32 at = 1;
     for (const front::FrameRun& run : recording.given.frameRuns) {
         const Uint32 count = frame - at < run.frames ? frame - at : run.frames;
-        ms += count * run.ms;
+        ms += count * frameMs(run);
         at += count;
         if (at == frame) {
             break;
