@@ -18,8 +18,12 @@ import os
 import struct
 import sys
 
+sys.dont_write_bytecode = True
+sys.path.append(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "art", "sounds"))
+
 import numpy as np
-from scipy import signal as dsp
+
+import filters
 
 RATE = 22050                # Hz
 FULL_SCALE = 32768.0
@@ -146,10 +150,8 @@ def clipped_samples(report):
 def ear_weighting(samples):
     """Weighs frequencies roughly as the ear does: less below 60 Hz, 4 dB more above 2 kHz."""
     shelf_hz, gain = 1500.0, 10.0 ** (4.0 / 20.0)
-    warped = 2.0 * RATE * np.tan(np.pi * shelf_hz / RATE)
-    shelf = dsp.bilinear([gain, warped], [1.0, warped], fs=RATE)
-    samples = dsp.lfilter(*shelf, samples)
-    return dsp.sosfilt(dsp.butter(2, 38.0, "high", fs=RATE, output="sos"), samples)
+    return filters.recursive(samples, filters.high_shelf(shelf_hz, gain, RATE)
+                             + filters.butter_high(38.0, RATE))
 
 
 def loudness(samples):

@@ -62,7 +62,6 @@ need_test_tools() {
     need_library gtest libgtest-dev gtest-devel gtest gtest
     need_python numpy python3-numpy python3-numpy python-numpy python3-numpy
     need_python PIL python3-pil python3-pillow python-pillow python3-Pillow
-    need_python scipy python3-scipy python3-scipy python-scipy python3-scipy
 }
 
 # Installs what the need_* calls before it found missing.

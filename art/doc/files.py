@@ -19,7 +19,7 @@ TOOLS = {
     "ships": "POV-Ray, NumPy, Pillow",
     "blast": "a gas simulation of our own (g++), NumPy, Pillow",
     "hud": "NumPy, Pillow",
-    "sounds": "NumPy, SciPy",
+    "sounds": "NumPy",
 }
 
 # Pattern of paths, what they show or play. The first that fits counts.

@@ -4,7 +4,8 @@
 # What can be measured of a sound at the game's rate. Samples are floats, full scale is 1.
 
 import numpy as np
-from scipy import signal as dsp
+
+import filters
 
 RATE = 22050            # Hz
 LOUDEST_WINDOW_S = 0.05
@@ -92,9 +93,8 @@ def attack_ms(samples, window_s=0.001):
 def roughness(samples):
     """Depth of loudness flicker from 20 to 150 Hz: 0 is smooth, 0.3 and more is harsh."""
     loudness = envelope(samples, 0.003)
-    poles = dsp.butter(2, [20.0, 150.0], "band", fs=RATE, output="sos")
-    flicker = dsp.sosfilt(poles, loudness)
-    trend = dsp.sosfilt(dsp.butter(2, 20.0, "low", fs=RATE, output="sos"), loudness)
+    flicker = filters.recursive(loudness, filters.butter_band(20.0, 150.0, RATE))
+    trend = filters.recursive(loudness, filters.butter_low(20.0, RATE))
     loud = loudness > 0.1 * np.max(loudness)
     return rms(flicker[loud]) / max(rms(trend[loud]), 1e-30)
 

@@ -10,9 +10,9 @@
 import sys
 
 import numpy as np
-from scipy import signal as dsp
-from scipy.fft import irfft, rfft, rfftfreq
+from numpy.fft import irfft, rfft, rfftfreq
 
+import filters
 import measure
 
 RATE = 22050                # Hz, the rate the game opens the mixer with: nothing is converted there
@@ -20,8 +20,10 @@ OVERSAMPLING = 4
 HIGH_RATE = RATE * OVERSAMPLING
 CUTOFF_HZ = 9800            # low-pass before every fourth sample is kept
 CUTOFF_TAPS = 511
+CUTOFF_BETA = 8.0           # Kaiser window: what the rate cannot carry falls by 80 dB
 HIGH_PASS_HZ = 45           # small speakers only lose headroom to what lies below
 ATTACK_S = 0.0012           # a harder start clicks
+GRAIN_WIDTH = 1.35          # edges of a grain of debris above and below its pitch
 DRIVE_RANGE = (0.05, 4.0)   # gentlest and roughest saturation; more than 4 is a buzz of its own
 DRIVE_STEPS = 24
 LEVEL_CLOSE_DB = 0.05       # near enough: the gentlest saturation that gets here is taken
@@ -134,7 +136,7 @@ def band(hz, centre, octaves):
 def shape(samples, gain, frame=2048):
     """Filters with gain(t, hz), which may change along the time t; it adds no phase."""
     hop = frame // 4
-    window = np.sqrt(dsp.windows.hann(frame, sym=False))
+    window = np.sqrt(filters.hann(frame))
     padded = np.pad(samples, (frame, 2 * frame))
     starts = np.arange(0, len(padded) - frame + 1, hop)
     t = (starts - frame / 2)[:, None] / HIGH_RATE
@@ -169,10 +171,10 @@ def grains(t, seed, count, span, bands, lengths):
     for number in range(count):
         local = seconds(8 * length[number])
         source = white(len(local), seed + 10 + number)
-        poles = dsp.butter(2, [pitch[number] / 1.35, pitch[number] * 1.35], "band",
-                           fs=HIGH_RATE, output="sos")
+        narrow = filters.butter_band(pitch[number] / GRAIN_WIDTH, pitch[number] * GRAIN_WIDTH,
+                                     HIGH_RATE)
         fading = 1.0 - 0.75 * (when[number] - span[0]) / (span[1] - span[0])
-        burst = dsp.sosfilt(poles, source) * hit(local, 0.0, 0.001, length[number])
+        burst = filters.recursive(source, narrow) * hit(local, 0.0, 0.001, length[number])
         add(total, fading * loud[number] * burst / (np.std(burst) + 1e-9), when[number])
     return total
 
@@ -184,7 +186,7 @@ def room(samples, length, seed, bright_hz, gap=0.012):
         hz, bright_hz * np.exp(-2.5 * time / length) + 200.0))
     answer *= swell(t, gap, 0.01) * np.exp(-5.5 * t / length)
     answer /= np.sqrt(np.sum(answer ** 2))
-    return dsp.fftconvolve(samples, answer)[:len(samples)]
+    return filters.convolve(samples, answer)[:len(samples)]
 
 
 def saturate(samples, drive):
@@ -201,9 +203,9 @@ def level(samples, decibels):
 
 def decimate(samples):
     """The sound at the game's rate, free of rumble and of anything the rate cannot carry."""
-    rumble = dsp.butter(2, HIGH_PASS_HZ, "high", fs=HIGH_RATE, output="sos")
-    taps = dsp.firwin(CUTOFF_TAPS, CUTOFF_HZ, fs=HIGH_RATE, window=("kaiser", 8.0))
-    smooth = dsp.fftconvolve(dsp.sosfilt(rumble, samples), taps)
+    free = filters.recursive(samples, filters.butter_high(HIGH_PASS_HZ, HIGH_RATE))
+    taps = filters.sharp_low_pass(CUTOFF_TAPS, CUTOFF_HZ, HIGH_RATE, CUTOFF_BETA)
+    smooth = filters.convolve(free, taps)
     return smooth[CUTOFF_TAPS // 2:][:len(samples)][::OVERSAMPLING]
 
 

@@ -16,6 +16,7 @@ sys.path[:0] = [os.path.join(HERE, "..", "..", part) for part in ("tools", "art/
 
 import numpy as np
 
+import filters
 import measure
 import mix_scene
 from measure import centroid_hz, db, envelope, part, part_db, peak_db, rms, share
@@ -439,6 +440,52 @@ class Keyboard(SoundTest):
         down, up = part(self.key, 0, 0.02), part(self.key, 0.057, 0.077)
         self.assertTrue(4 < peak_db(down) - peak_db(up) < 12)
         self.assertGreater(share(up, 2000, RATE), share(down, 2000, RATE) + 0.05)
+
+
+class Filters(unittest.TestCase):
+    """What sounds are made and measured with; a wrong filter would make and pass wrong sounds."""
+
+    @staticmethod
+    def gain_db(sections, hz):
+        """Gain of a tone at one frequency, from the answer to a single sample."""
+        answer = filters.recursive(np.eye(1, RATE)[0], sections)
+        return db(np.sum(answer * np.exp(-2j * np.pi * hz / RATE * np.arange(RATE))))
+
+    def test_a_recursive_filter_gives_what_stepping_through_the_samples_gives(self):
+        samples = np.sin(np.arange(400) ** 1.5)
+        for sections in (filters.butter_high(45, RATE), filters.high_shelf(1500, 1.6, RATE),
+                         filters.butter_band(20, 150, RATE)):
+            stepped = list(samples)
+            for b, a in sections:
+                source, stepped = [0, 0] + stepped, [0, 0]
+                for n in range(2, len(source)):
+                    stepped.append(sum(b[k] * source[n - k] for k in range(len(b)))
+                                   - sum(a[k] * stepped[n - k] for k in range(1, len(a))))
+                stepped = stepped[2:]
+            gap = np.max(np.abs(filters.recursive(samples, sections) - stepped))
+            self.assertLess(gap, 1e-10)
+
+    def test_filters_turn_where_they_should(self):
+        for sections, levels in (
+                (filters.butter_low(500, RATE), ((50, 0), (500, -3.01), (2000, -24.6))),
+                (filters.butter_high(500, RATE), ((100, -28), (500, -3.01), (5000, 0))),
+                (filters.butter_band(200, 800, RATE), ((50, -28.8), (200, -3.01), (399.8, 0),
+                                                       (800, -3.01))),
+                (filters.high_shelf(1500, 2.0, RATE), ((20, 0), (1500, 3.98), (10000, 6.02)))):
+            for hz, level in levels:
+                self.assertAlmostEqual(self.gain_db(sections, hz), level, delta=0.4)
+
+    def test_the_sharp_low_pass_keeps_what_the_rate_carries_and_nothing_above(self):
+        taps = filters.sharp_low_pass(511, 2450, RATE, 8.0)
+        hz = np.fft.rfftfreq(1 << 14, 1 / RATE)
+        level = db(np.fft.rfft(taps, 1 << 14))
+        self.assertLess(np.max(np.abs(level[hz < 2300])), 0.1)
+        self.assertLess(np.max(level[hz > 2600]), -75)
+
+    def test_convolution_gives_the_sum_of_all_answers(self):
+        first, second = np.sin(np.arange(37)), np.cos(np.arange(11))
+        gap = filters.convolve(first, second) - np.convolve(first, second)
+        self.assertLess(np.max(np.abs(gap)), 1e-12)
 
 
 class Mix(SoundTest):
