@@ -186,13 +186,18 @@ def minute(facts):
         ("cuts", len(report.cuts)),
         ("cuts that click", len(clicks))))
     yield picture("sounds/scene60", "wave of the minute")
-    worst = sorted(report.cuts, key=lambda cut: -cut.step_db)[:5]
-    yield "The highest jumps of the wave. One below " \
-        f"{mix_scene.CLICK_STEP_DB:.0f} dBFS, or {mix_scene.MASKING_MARGIN_DB:.0f} dB below the " \
-        "start of the sound that causes it, is not heard as a click.\n"
-    yield table(("At", "Channel", "Cut", "By", "Jump", "Below the new sound", "Click"),
+    worst = sorted(report.cuts, key=lambda cut: -cut.uncovered_db)[:5]
+    low, high = (mix_scene.CLICK_BANDS_HZ[edge] / 1000 for edge in (0, -1))
+    yield "The cuts that are covered least. A hard cut differs from one that fades within " \
+        f"{1000 * mix_scene.SOFT_CUT_S:.0f} ms, and that difference is heard as a click unless " \
+        "the end of the old sound and the start of the new one, which comes at the same sample, " \
+        f"cover it: in every third of an octave from {low:.0f} to {high:.0f} kHz it has to lie " \
+        f"{mix_scene.MASKING_MARGIN_DB:.0f} dB below the {1000 * mix_scene.MOMENT_S:.0f} ms " \
+        "before and after the cut. It then raises no band by more than 1 dB. What the other " \
+        "channels cover besides is not counted.\n"
+    yield table(("At", "Channel", "Cut", "By", "Jump", "Covered by", "Click"),
                 ((f"{cut.seconds:.2f} s", cut.channel, f"`{cut.old}`", f"`{cut.new}`",
-                  f"{cut.step_db:.1f} dBFS", f"{-cut.masked_db:.1f} dB",
+                  f"{cut.step_db:.1f} dBFS", f"{-cut.uncovered_db:.1f} dB",
                   "**yes**" if mix_scene.is_click(cut) else "no") for cut in worst))
 
 

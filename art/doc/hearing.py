@@ -12,7 +12,7 @@ import numpy as np
 import measure
 import mix_scene
 from criteria import Answer
-from measure import centroid_hz, db, envelope, part, part_db, peak_db, share
+from measure import centroid_hz, db, envelope, part, peak_db, share
 
 RATE = measure.RATE
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -191,10 +191,11 @@ def of_scene(folder):
     yield ("Does a minute of play sum without clipping?", clipped == 0,
            f"{clipped} clipped samples, peak {np.max(np.abs(report.exact)):.3f} of full scale")
     clicks = sum(mix_scene.is_click(cut) for cut in report.cuts)
-    worst = max(report.cuts, key=lambda cut: cut.step_db)
+    worst = max(report.cuts, key=lambda cut: cut.uncovered_db)
     yield ("Is no click heard where one sound cuts another?", clicks == 0,
-           f"{clicks} clicks at {len(report.cuts)} cuts; highest jump {worst.step_db:.1f} dBFS, "
-           f"`{worst.old}` cut by `{worst.new}`")
+           f"{clicks} clicks at {len(report.cuts)} cuts; at worst {-worst.uncovered_db:.1f} dB "
+           f"below the sounds around it, `{worst.old}` cut by `{worst.new}` (at least "
+           f"{mix_scene.MASKING_MARGIN_DB:.0f} dB)")
 
 
 def answers(sounds, folder):
