@@ -11,20 +11,22 @@ from synth import (band, crackle, glide, grains, hit, level, low_pass, noise, ro
 
 LENGTH = 2.0            # s
 PEAK_DB = -4.4
-LOUDEST_DB = -12.4
+LOUDEST_DB = -12.45
 FADE = 0.30             # s
 
 SECOND = 0.85           # s, soft: the picture may come a little late
-DENSITY = 2.0           # saturation of all but the crack, which stands out in front of it
-CRACK = 1.0
+DENSITY = 1.7           # saturation of all but the crack, which stands out in front of it
+CRACK = 1.15
 
 
 def crack(t, start, seed):
-    """A snap over the full band that stutters, which makes it large."""
-    sharp = noise(t, seed, lambda _, hz: (hz / 3000.0) ** 0.3 / (1.0 + (hz / 9000.0) ** 8), 512)
-    rattle = (hit(t, start, 0.0012, 0.008) + 0.5 * hit(t, start + 0.017, 0.001, 0.006)
-              + 0.3 * hit(t, start + 0.038, 0.001, 0.009))
-    return saturate(sharp, 2.5) * rattle
+    """A snap from 1.5 kHz up that stutters, which makes it large; it covers the cut it makes."""
+    def gain(_, hz):
+        return (1.0 + hz / 3000.0) ** -0.2 / (
+            (1.0 + (1500.0 / (hz + 1.0)) ** 4) * (1.0 + (hz / 9000.0) ** 8))
+    rattle = (hit(t, start, 0.0008, 0.008) + 0.25 * hit(t, start + 0.019, 0.001, 0.006)
+              + 0.2 * hit(t, start + 0.041, 0.001, 0.009))
+    return saturate(noise(t, seed, gain, 512), 3.0) * rattle
 
 
 def body(t, start, edge_hz, closing, seed, warmth_hz=300):
@@ -52,12 +54,12 @@ def thump(t, start, hz, length):
 def sound():
     t = seconds(LENGTH + 0.02)
     second = hit(t, SECOND, 0.09, 0.20)
-    total = 0.95 * body(t, 0, (7500, 420), 0.10, 510) * hit(t, 0, 0.006, 0.065)
-    total += 0.26 * body(t, 0, (2200, 300), 0.12, 512, 230) * hit(t, 0, 0.02, 0.34)
-    total += 0.45 * tearing(t, 0.004, 0.10, 520) + 0.9 * thump(t, 0.001, (230, 92), 0.10)
+    total = 0.95 * body(t, 0, (7000, 400), 0.07, 7766) * hit(t, 0, 0.012, 0.044)
+    total += 0.24 * body(t, 0, (2000, 300), 0.10, 5138, 230) * hit(t, 0, 0.02, 0.24)
+    total += 0.45 * tearing(t, 0.004, 0.075, 520) + 0.9 * thump(t, 0.001, (230, 92), 0.10)
     total += 0.34 * body(t, SECOND, (3000, 480), 0.16, 530) * second
     total += 0.20 * tearing(t, SECOND, 0.14, 540) * swell(t, SECOND, 0.09)
     total += 0.20 * sine(glide(t - SECOND, 190, 95, 0.1), t) * hit(t, SECOND, 0.03, 0.16)
     total += 0.08 * grains(t, 550, 70, (0.05, 1.6), (1200, 7500), (0.002, 0.010))
-    total += 0.30 * room(total, 0.9, 561, 2200)
-    return saturate(level(total, 0), DENSITY) + CRACK * crack(t, 0, 500)
+    total += 0.30 * room(total, 0.9, 561, 1700)
+    return saturate(level(total, 0), DENSITY) + CRACK * crack(t, 0, 3555)

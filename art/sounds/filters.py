@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: CC0-1.0
 #
 # Filters of sound: windows, convolution, the long low-pass in front of a lower rate, and recursive
-# filters in sections of two poles. NumPy is all they need.
+# filters in sections of one or two poles.
 #
 # A section is a pair of coefficients (b, a): y[n] = sum(b[k] x[n - k]) - sum(a[k] y[n - k], k > 0).
 
@@ -14,7 +14,7 @@ BUTTERWORTH = np.exp(0.75j * np.pi)     # upper pole of two poles with the flatt
 
 
 def fast_size(count):
-    """A length not below `count` whose Fourier transform is quick: 2 to a power, or 3 times that."""
+    """A length of at least `count` that is quick to transform: 2 to a power, or 3 times that."""
     size = 1 << max(count - 1, 1).bit_length()
     return size // 4 * 3 if size // 4 * 3 >= count else size
 

@@ -22,7 +22,7 @@ BREATH = 0.050          # s of near silence before the chord: it makes the chord
 LAST_BEAT_DB = -2       # the last beat against the chord, and the first one against it
 FIRST_BEAT_DB = -6
 DRONE_DB = -11
-TICKS_DB = -9
+TICKS_DB = -8
 DENSITY = 2.2           # saturation of each beat and of the chord by itself
 
 # The melody climbs to the leading note, so that the ear waits for the chord.
@@ -60,7 +60,7 @@ def beat(number):
         f, 700 + (5000 + 4000 * far) * np.exp(-time / 0.11), 2, 1.6), 512)
     total = 0.6 * sine(glide(t, 300, 115, 0.025), t) * hit(t, 0, 0.0015, 0.07)
     total += 0.20 * note * hit(t, 0, 0.002, 0.17) + 0.26 * bell(t, hz)
-    total += (0.40 + 0.2 * far) * snap * hit(t, 0, 0.001, 0.018)
+    total += (0.62 + 0.1 * far) * snap * hit(t, 0, 0.001, 0.018)
     total = level(total + 0.25 * slap * hit(t, 0, 0.001, 0.03), 0)
     return level(saturate(total, DENSITY), FIRST_BEAT_DB + (LAST_BEAT_DB - FIRST_BEAT_DB) * far)
 
@@ -89,7 +89,7 @@ def ticks(t):
         hiss = noise(local, 740 + step, lambda _, hz: band(hz, 8000, 0.35), 512)
         accent = 1.0 if eighth == 4 else 0.65
         add(total, accent * hiss * hit(local, 0, 0.001, 0.022), (number + eighth / 8) * BEAT)
-    return total * (0.5 + 0.5 * np.clip(t / CHORD, 0.0, 1.0))
+    return total * (0.7 + 0.3 * np.clip(t / CHORD, 0.0, 1.0))
 
 
 def drone(t):
@@ -118,9 +118,9 @@ def chord():
     bright = shape(voices, lambda time, hz: no_bass(hz) * low_pass(
         hz, 3500 + 7000 * np.exp(-time / 0.2), 2, 0.9), 512)
     crash = noise(t, 795, lambda _, hz: band(hz, 6500, 0.7), 512)
-    fall = from_db(curve(t, (0, 0), (0.12, -1), (0.28, -9), (0.45, -26), (0.6, -48)))
+    fall = from_db(curve(t, (0, 0), (0.07, 0), (0.15, -9), (0.28, -26), (0.45, -48)))
     total = 0.085 * bright * fall * swell(t, 0, 0.002)
-    total += 0.30 * crash * hit(t, 0, 0.001, 0.10) + 0.12 * (bell(t, 220) + bell(t, 277.18))
+    total += 0.30 * crash * hit(t, 0, 0.001, 0.07) + 0.10 * (bell(t, 220) + bell(t, 277.18))
     total = level(total + 0.6 * sine(glide(t, 320, 110, 0.025), t) * hit(t, 0, 0.0015, 0.10), 0)
     return saturate(total, DENSITY)
 

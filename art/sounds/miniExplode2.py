@@ -10,8 +10,8 @@ from synth import (band, crackle, glide, hit, low_pass, modes, noise, saturate, 
                    sine)
 
 LENGTH = 0.38           # s
-PEAK_DB = -6.4
-LOUDEST_DB = -12.4
+PEAK_DB = -6.3
+LOUDEST_DB = -12.45
 FADE = 0.05             # s
 
 BUZZ_HZ = (760, 380)
@@ -28,22 +28,22 @@ def buzz(t):
     rub = saw(pitch, t) + 0.9 * saw(pitch * 1.06, t, 0.3) + 0.5 * saw(pitch * 0.5, t, 0.1)
     gate = 0.6 + 0.4 * np.tanh(4 * sine(GATE_HZ, t, 0.25))
     dulled = shape(rub * gate, lambda time, hz: low_pass(
-        hz, 1200 + 5600 * np.exp(-time / 0.12), 2, 1.4), 1024)
+        hz, 1200 + 4400 * np.exp(-time / 0.12), 2, 1.4), 1024)
     return dulled * hit(t, BUZZ_START, 0.02, 0.13)
 
 
 def crunch(t):
     """Noise torn into uneven lumps, as when metal folds."""
-    torn = noise(t, 401, lambda time, hz: band(hz, 700 + 2600 * np.exp(-time / 0.05), 1.0), 512)
+    torn = noise(t, 401, lambda time, hz: band(hz, 700 + 2600 * np.exp(-time / 0.03), 1.0), 512)
     return saturate(torn * crackle(t, 402, 130, 0.8), 1.5)
 
 
 def sound():
     t = seconds(LENGTH + 0.02)
-    crack = noise(t, 403, lambda _, hz: band(hz, 5000, 1.2), 512)
-    total = 1.05 * sine(glide(t, 230, 70, 0.050), t) * hit(t, 0, 0.0015, 0.050)
+    crack = saturate(noise(t, 403, lambda _, hz: band(hz, 4500, 1.0), 512), 1.5)
+    total = 1.05 * sine(glide(t, 230, 70, 0.050), t) * hit(t, 0, 0.006, 0.050)
     total += 0.62 * crunch(t) * hit(t, 0, 0.0012, 0.048)
-    total += 0.55 * crack * hit(t, 0, 0.001, 0.005)
+    total += 0.95 * crack * hit(t, 0, 0.0008, 0.006)
     total += 0.28 * modes(t, HULL) + 0.40 * buzz(t)
     # Turned over, so that its peaks do not add to those of a blast that starts with it.
     return -total

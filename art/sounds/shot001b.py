@@ -32,6 +32,6 @@ def sound():
     fall = curve(t, (0, 0), (0.040, -1), (0.060, -6), (0.085, -14), (0.12, -24), (0.14, -30),
                  (0.20, -43), (0.24, -54))
     total = chirp(t) * from_db(fall) * swell(t, 0, 0.0012)
-    tick = noise(t, 101, lambda _, hz: band(hz, 6800, 0.6), 512)
-    total += 0.45 * tick * hit(t, 0, 0.0008, 0.0035)
+    tick = noise(t, 101, lambda _, hz: band(hz, 5200, 0.9) + 0.7 * band(hz, 2900, 0.35), 512)
+    total += 0.5 * tick * hit(t, 0, 0.0008, 0.0032)
     return total + 0.55 * sine(glide(t, 330, 140, 0.015), t) * hit(t, 0, 0.002, 0.016)

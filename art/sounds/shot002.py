@@ -11,7 +11,7 @@ from synth import (band, crackle, curve, from_db, glide, hit, modes, noise, satu
 
 LENGTH = 1.35           # s
 PEAK_DB = -8.4
-LOUDEST_DB = -14.4
+LOUDEST_DB = -14.45
 FADE = 0.12             # s
 
 IGNITION = 0.19         # s, the moment the drop turns into a climb
@@ -25,10 +25,10 @@ LATCH = ((620, 0.4, 0.016), (1210, 0.5, 0.012), (2250, 0.5, 0.009), (3900, 0.4, 
 
 def release(t):
     """The clamp opens, the latch snaps a moment later, and air hisses past the falling rocket."""
-    snap = noise(t, 201, lambda _, hz: band(hz, 4500, 0.9), 512)
+    snap = noise(t, 201, lambda _, hz: band(hz, 4000, 1.1), 512)
     air = noise(t, 205, lambda time, hz: band(hz, 1300 + 6000 * time, 0.5))
     total = modes(t, CLAMP) + 0.8 * modes(t, LATCH, 0.043)
-    total += 0.5 * snap * (hit(t, 0, 0.001, 0.004) + 0.6 * hit(t, 0.043, 0.001, 0.003))
+    total += 1.1 * snap * (hit(t, 0, 0.0008, 0.0055) + 0.35 * hit(t, 0.043, 0.001, 0.003))
     return total + 0.07 * air * swell(t, 0.02, 0.10) * (1 - swell(t, IGNITION, 0.05))
 
 

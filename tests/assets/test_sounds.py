@@ -38,6 +38,7 @@ LEVELS = {
 PEAK_SLACK_DB = 0.5
 LOUDEST_SLACK_DB = 0.6
 BLASTS = ("explode", "explode2")
+HITS = ("miniExplode1", "miniExplode2")
 
 BASS_HZ = 120               # small speakers play little below
 BASS_SHARE = 0.35
@@ -48,6 +49,8 @@ LEAST_DIFFERENCE_DB = 4.5   # mean gap between two sounds over time and pitch
 
 LASER_GONE_S = 0.14
 LASER_GONE_DB = -30
+CUT_FROM_S = 0.03           # two starts closer together are heard as one
+UNHEARD_CUTS = 0.98         # of all moments in which one sound may cut another
 FIRE_GAPS_S = np.arange(0.140, 0.200, 0.001)
 IGNITION_S = 0.19
 FLUTTER_HZ = 27
@@ -517,6 +520,32 @@ class Mix(SoundTest):
         self.assertEqual(mix_scene.clipped_samples(report), 10)
         self.assertLess(np.max(report.mix), 1.0)
 
+    def test_a_cut_clicks_unless_the_new_sound_covers_it(self):
+        hum = 0.5 * np.cos(2 * np.pi * 150 * np.arange(RATE // 5) / RATE)
+        hiss = 0.5 * np.random.default_rng(1).standard_normal(RATE // 10)
+        sounds = {"hum": hum, "hiss": hiss, "soft hiss": 0.02 * hiss}
+        for new, clicks in (("hum", True), ("soft hiss", True), ("hiss", False)):
+            events = [mix_scene.Event(0, 1, "hum"), mix_scene.Event(0.1, 1, new)]
+            cuts = mix_scene.mix(events, sounds).cuts
+            self.assertEqual([mix_scene.is_click(cut) for cut in cuts], [clicks])
+
+    def test_a_sound_that_has_faded_is_cut_without_a_click(self):
+        tone = 0.5 * np.sin(0.3 * np.arange(RATE // 5))
+        sounds = {"fading": tone * mix_scene.rise(0.2)[:len(tone)][::-1], "tone": tone}
+        for moment, clicks in ((0.05, True), (0.1995, False)):
+            events = [mix_scene.Event(0, 1, "fading"), mix_scene.Event(moment, 1, "tone")]
+            cuts = mix_scene.mix(events, sounds).cuts
+            self.assertEqual([mix_scene.is_click(cut) for cut in cuts], [clicks])
+
+    def test_hits_and_blasts_cut_each_other_without_a_click(self):
+        for old, new in (*itertools.product(HITS, HITS), ("explode", "explode"),
+                         ("explode", "explode2")):
+            with self.subTest(old=old, new=new):
+                ends = range(int(CUT_FROM_S * RATE), len(self.sounds[old]), 61)
+                unheard = [mix_scene.uncovered_db(self.sounds[old][:end], self.sounds[new])
+                           <= -mix_scene.MASKING_MARGIN_DB for end in ends]
+                self.assertGreater(np.mean(unheard), UNHEARD_CUTS)
+
     def test_a_busy_scene_sums_without_a_clipped_sample(self):
         for shift in BUSY_SHIFTS_MS:
             with self.subTest(shift=shift):
@@ -533,13 +562,14 @@ class Mix(SoundTest):
                 events = [mix_scene.Event(0, 3, blast), mix_scene.Event(0, 4, hit)]
                 self.assertEqual(mix_scene.clipped_samples(mix_scene.mix(events, self.sounds)), 0)
 
-    def test_a_minute_of_play_sums_without_a_clipped_sample(self):
+    def test_a_minute_of_play_neither_clips_nor_clicks(self):
         path = os.path.join(HERE, "..", "..", "art", "sounds", "scene60.txt")
         with open(path, encoding="utf-8") as handle:
             events = mix_scene.parse_scene(handle.read())
         sounds = mix_scene.load_sounds(events, os.path.join(DATA_DIR, "sounds"))
         report = mix_scene.mix(events, sounds)
         self.assertEqual(mix_scene.clipped_samples(report), 0)
+        self.assertEqual([cut for cut in report.cuts if mix_scene.is_click(cut)], [])
         self.assertGreater(len(events), 200)
 
 
