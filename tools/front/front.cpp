@@ -55,7 +55,7 @@ CodeRange codeOf(const dl_phdr_info& object) {
     return code;
 }
 
-int readObject(dl_phdr_info* object, size_t, void* result) {
+int readObject(dl_phdr_info* object, size_t /*bytes*/, void* result) {
     GameCode& code = *static_cast<GameCode*>(result);
     if (code.isFirst) {
         code.program = codeOf(*object);

@@ -22,7 +22,7 @@ bool isPlain(const SDL_PixelFormat& format) {
 // One row as 0x00rrggbb.
 void readRow(const SDL_Surface* screen, int y, Uint32* colours) {
     const Uint32* pixels = reinterpret_cast<const Uint32*>(
-        static_cast<const Uint8*>(screen->pixels) + y * screen->pitch);
+        static_cast<const Uint8*>(screen->pixels) + static_cast<ptrdiff_t>(y) * screen->pitch);
     const int width = screen->w;  // a local: the compiler then knows that no pixel changes it
     if (isPlain(*screen->format)) {
         for (int x = 0; x < width; ++x) {

@@ -84,7 +84,7 @@ SessionOptions optionsFromEnvironment(int argc, char** argv) {
 }
 
 // Runs before main(), in the game's main thread.
-__attribute__((constructor)) void begin(int argc, char** argv, char**) {
+__attribute__((constructor)) void begin(int argc, char** argv, char** /*environment*/) {
     // A program that the game might start is no game.
     unsetenv("LD_PRELOAD");
     session = new Session(optionsFromEnvironment(argc, argv));

@@ -331,11 +331,12 @@ bool readRecording(std::string_view bytes, const std::string& name, Recording& r
         return false;
     }
     if (recording.isRecording && !recording.seen.ended) {
-        const std::string frames = std::to_string(recording.seen.checks.size());
-        recording.cutOff =
-            name + ": " +
-            (recording.cutOff.empty() ? "the game's end is missing" : recording.cutOff) + "; " +
-            frames + " frames of the game are whole";
+        const std::string place =
+            recording.cutOff.empty() ? "the game's end is missing" : recording.cutOff;
+        recording.cutOff = name;
+        recording.cutOff.append(": ").append(place).append("; ");
+        recording.cutOff.append(std::to_string(recording.seen.checks.size()));
+        recording.cutOff.append(" frames of the game are whole");
     } else if (!recording.cutOff.empty()) {
         error = name + ": " + recording.cutOff + ", and yet the game has ended before";
         return false;
@@ -357,12 +358,16 @@ bool readRecording(const std::string& path, Recording& recording, std::string& e
         error = path + ": too large for a recording";
         return false;
     }
+    if (status.st_size == 0) {
+        error = path + ": the file is empty";
+        return false;
+    }
     std::ifstream in(path, std::ios::binary);
     std::ostringstream bytes;
     bytes << in.rdbuf();
     if (!in) {
         error = path + ": cannot be read: " + std::strerror(errno);
-        return status.st_size == 0 ? (error = path + ": the file is empty", false) : false;
+        return false;
     }
     return readRecording(bytes.str(), path, recording, error);
 }

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "front/scenario.h"
 
+#include <algorithm>
 #include <cctype>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <limits>
 
 namespace front {
@@ -219,12 +221,8 @@ std::string Words::rest() {
 }
 
 bool ScenarioReader::knows(const std::string& word) {
-    for (const char* known : STATEMENTS) {
-        if (word == known) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(std::begin(STATEMENTS), std::end(STATEMENTS),
+                       [&](const char* known) { return word == known; });
 }
 
 std::string ScenarioReader::unknown(const std::string& word) {
@@ -336,7 +334,7 @@ std::string ScenarioReader::readPicture(When when, Words& words) {
 // times FROM MS MS*COUNT ...: from this frame on, which is the one behind those told so far.
 std::string ScenarioReader::readRuns(Words& words) {
     Uint32 from = 0;
-    const std::string wrong = readNumber(words, "a frame", from);
+    std::string wrong = readNumber(words, "a frame", from);
     if (!wrong.empty()) {
         return wrong;
     }
@@ -428,7 +426,7 @@ std::string ScenarioReader::readFrames(Expectation& wanted, Words& words) {
 
 // RRGGBB in X Y WIDTH HEIGHT at FRAME
 std::string ScenarioReader::readPixels(Expectation& wanted, Words& words) {
-    const std::string wrong = "pixels are told by \"RRGGBB in X Y WIDTH HEIGHT at FRAME\"";
+    std::string wrong = "pixels are told by \"RRGGBB in X Y WIDTH HEIGHT at FRAME\"";
     Uint32 box[4];
     if (!readColour(words.next(), wanted.colour) || words.next() != "in") {
         return wrong;

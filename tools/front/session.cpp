@@ -529,7 +529,7 @@ const Failure* Session::failureOf(const std::string& function, Uint32 call) cons
 void Session::noteFailure(const char* function, Uint32 call) {
     const bool isStart =
         std::any_of(std::begin(START_FUNCTIONS), std::end(START_FUNCTIONS),
-                    [&](const char* other) { return !std::strcmp(other, function); });
+                    [&](const char* other) { return std::strcmp(other, function) == 0; });
     const bool isSilence = std::strcmp(function, "Mix_LoadWAV_RW") == 0 && !audioIsOpen;
     if (!recorder.isOpen()) {
         return;

@@ -40,7 +40,7 @@ class Session {
 public:
     // Opens what it writes; hooks are not put yet. Ends the process with STATUS_BAD_SCRIPT and a
     // message when the options cannot be met.
-    explicit Session(const SessionOptions& options);
+    explicit Session(const SessionOptions& wanted);
 
     // Stands in front of the libraries from now on. There is one session in a process; it must live
     // until the process ends, since exit handlers still call the libraries.
@@ -70,14 +70,14 @@ private:
     void recordCall(const std::string& line);
     void noteBlit(const SDL_Surface* from, const SDL_Rect* part, const SDL_Rect* place);
 
-    int flip(SDL_Surface* screen);
-    int flipScripted(SDL_Surface* screen);
-    int flipLive(SDL_Surface* screen);
+    int flip(SDL_Surface* shown);
+    int flipScripted(SDL_Surface* shown);
+    int flipLive(SDL_Surface* shown);
     void startLiveClock();
     void recordFrame(Uint64 pictureHash, Uint32 ms);
-    void keepPictures(SDL_Surface* screen);
-    void countWantedPixels(const SDL_Surface* screen);
-    void showFramesUntil(Uint32 untilMs, const SDL_Surface* screen);
+    void keepPictures(SDL_Surface* shown);
+    void countWantedPixels(const SDL_Surface* shown);
+    void showFramesUntil(Uint32 untilMs, const SDL_Surface* shown);
     void waitForMoment();
     void delay(Uint32 ms);
     Uint32 nextFrameMs();

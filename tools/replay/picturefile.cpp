@@ -33,11 +33,11 @@ Picture readPicture(const std::string& path) {
     picture.width = static_cast<unsigned int>(surface->w);
     picture.height = static_cast<unsigned int>(surface->h);
     for (int y = 0; y < surface->h; ++y) {
-        const Uint8* row = static_cast<const Uint8*>(surface->pixels) + y * surface->pitch;
-        for (int x = 0; x < surface->w; ++x) {
+        const Uint8* row =
+            static_cast<const Uint8*>(surface->pixels) + static_cast<ptrdiff_t>(y) * surface->pitch;
+        for (int x = 0; x < surface->w; ++x, row += surface->format->BytesPerPixel) {
             Uint32 pixel = 0;
-            std::copy_n(row + x * surface->format->BytesPerPixel, surface->format->BytesPerPixel,
-                        reinterpret_cast<Uint8*>(&pixel));
+            std::copy_n(row, surface->format->BytesPerPixel, reinterpret_cast<Uint8*>(&pixel));
             Uint8 channels[3];
             SDL_GetRGB(pixel, surface->format, &channels[0], &channels[1], &channels[2]);
             picture.rgb.insert(picture.rgb.end(), channels, channels + 3);
