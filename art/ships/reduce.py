@@ -13,6 +13,10 @@ import kit
 
 SHARPENING = 0.55   # share of the 3x3 difference that is added back inside the outline
 CONTRAST = 0.40     # share of the S-curve mixed into the display values
+HARDNESS = 1.3      # slope of coverage: what the filter spreads over two pixels stands on one
+SOLID = 0.94        # alpha of a pixel that shows nothing of what is below
+RIM_STEP = 0.02     # a soft pixel is darker or lighter than its solid neighbours by this at most
+LUMA = np.array([0.299, 0.587, 0.114])
 
 
 def mitchell(distance):
@@ -57,11 +61,47 @@ def steepen(colour):
     return colour + CONTRAST * (colour * colour * (3 - 2 * colour) - colour)
 
 
-def reduce_picture(large, width, height, sharpening=SHARPENING):
+def harden(coverage):
+    return np.clip(0.5 + HARDNESS * (coverage - 0.5), 0.0, 1.0)
+
+
+def solid_neighbours(colour, solid):
+    """Of the solid pixels in each 3x3: their number, mean colour, least and greatest brightness."""
+    height, width = solid.shape
+    inside, padded = np.pad(solid, 1), np.pad(colour, ((1, 1), (1, 1), (0, 0)))
+    count, total = np.zeros((height, width, 1)), np.zeros_like(colour)
+    least, greatest = np.ones((height, width)), np.zeros((height, width))
+    for dy, dx in np.ndindex(3, 3):
+        part = slice(dy, dy + height), slice(dx, dx + width)
+        light = padded[part] @ LUMA
+        count += inside[part][..., None]
+        total += padded[part] * inside[part][..., None]
+        least = np.where(inside[part], np.minimum(least, light), least)
+        greatest = np.where(inside[part], np.maximum(greatest, light), greatest)
+    return count[..., 0], total / np.maximum(count, 1), least, greatest
+
+
+def settle_rim(colour, alpha):
+    """Draws the colours of the soft rim towards the solid parts that it belongs to.
+
+    A shaded sliver at the edge of a light hull would be a dark line over fire, a lit one over a
+    dark hull a row of specks over space.
+    """
+    solid = alpha[..., 0] >= SOLID
+    count, hull, least, greatest = solid_neighbours(colour, solid)
+    own, aim = colour @ LUMA, hull @ LUMA
+    wanted = np.clip(own, least - RIM_STEP, greatest + RIM_STEP)
+    strange = ~solid & (count > 0) & (wanted != own)
+    share = np.where(strange, (wanted - own) / np.where(strange, aim - own, 1), 0)
+    return colour + np.clip(share, 0, 1)[..., None] * (hull - colour)
+
+
+def reduce_picture(large, width, height, sharpening=SHARPENING, crisp=True):
     """8-bit RGBA picture of a large straight RGBA one.
 
     Coverage goes through the display curve, because the game blends display values: over black an
-    edge then looks exactly as smooth as the renderer meant it.
+    edge then looks exactly as smooth as the renderer meant it. What lies on a ground of its own, and
+    so is never seen over fire, needs no crisp rim.
     """
     values = large.astype(np.float64) / 255.0
     alpha = values[..., 3:]
@@ -70,4 +110,7 @@ def reduce_picture(large, width, height, sharpening=SHARPENING):
     coverage = small[..., 3:]
     colour = kit.to_srgb(small[..., :3] / np.maximum(coverage, 1e-4))
     colour = steepen(sharpen(colour, coverage, sharpening))
-    return kit.to_bytes(np.dstack([colour, kit.to_srgb(coverage)]))
+    alpha = kit.to_srgb(harden(coverage) if crisp else coverage)
+    if crisp:
+        colour = settle_rim(colour, alpha)
+    return kit.to_bytes(np.dstack([colour, alpha]))
