@@ -100,8 +100,8 @@ def reduce_picture(large, width, height, sharpening=SHARPENING, crisp=True):
     """8-bit RGBA picture of a large straight RGBA one.
 
     Coverage goes through the display curve, because the game blends display values: over black an
-    edge then looks exactly as smooth as the renderer meant it. What lies on a ground of its own, and
-    so is never seen over fire, needs no crisp rim.
+    edge then looks exactly as smooth as the renderer meant it. What lies on a ground of its own,
+    and so is never seen over fire, needs no crisp rim.
     """
     values = large.astype(np.float64) / 255.0
     alpha = values[..., 3:]
