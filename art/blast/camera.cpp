@@ -7,22 +7,22 @@
 namespace {
 
 // how thick the smoke is
-constexpr float EXTINCTION = 0.55f;   // per px at soot 1
-constexpr float RIM_PX = 32.0f;       // further out it gets thinner, the thinnest first,
-constexpr float RIM_RATE = 0.14f;     // so much soot per px, so that nothing ends in an edge
-constexpr float RIM_COOLING = 0.06f;  // and cooler by this share per px: dimmed yellow is olive
-constexpr float TEAR_FROM = 21.5f;    // picture from which weak smoke tears,
-constexpr float TEAR_TO = 43.5f;      // and at which nearly all is torn
-constexpr float TEAR_EDGE = 0.35f;    // strength over which smoke goes from clear to full
-constexpr float TORN_AT_LAST = 1.2f;  // strength, counted from the clear side of that edge
-constexpr float OLD_THINNING = 0.8f;  // share of the extinction that is gone in the end
+constexpr float EXTINCTION = 0.80f;    // per px at soot 1
+constexpr float RIM_PX = 32.0f;        // further out it gets thinner, the thinnest first,
+constexpr float RIM_RATE = 0.14f;      // so much soot per px, so that nothing ends in an edge
+constexpr float RIM_COOLING = 0.06f;   // and cooler by this share per px: dimmed yellow is olive
+constexpr float TEAR_FROM = 21.5f;     // picture from which weak smoke tears,
+constexpr float TEAR_TO = 43.5f;       // and at which nearly all is torn
+constexpr float TEAR_EDGE = 0.35f;     // strength over which smoke goes from clear to full
+constexpr float TORN_AT_LAST = 1.2f;   // strength, counted from the clear side of that edge
+constexpr float OLD_THINNING = 0.86f;  // share of the extinction that is gone in the end
 
 // light; directions point to the lamp, x right, y down, z to the viewer
 constexpr float KEY_X = -0.44f;
 constexpr float KEY_Y = -0.60f;
 constexpr float KEY_Z = 0.66f;
 constexpr float KEY_SHADOW = 0.8f;      // share of the extinction that the key light feels
-constexpr float OLD_KEY_SHADOW = 2.8f;  // in the end: thin smoke would look flat otherwise
+constexpr float OLD_KEY_SHADOW = 2.4f;  // in the end: thin smoke would look flat otherwise
 constexpr float SKY_SHADOW = 6.0f;      // how much thick smoke around darkens a place
 constexpr int SKY_WIDTH_CELLS = 5;
 constexpr int GLOW_WIDTH_CELLS = 4;  // how far the fire lights the smoke
@@ -32,10 +32,18 @@ const Vec4 GLOW_COLOUR = {9.0f, 2.34f, 0.36f, 0.0f};
 const Vec4 SMOKE_COLOUR = {0.066f, 0.045f, 0.036f, 0.0f};
 
 // Fire is not lit by the lamp, but lobes need form: heat looks this much lower in the shade.
-constexpr float SHADED_HEAT = 0.50f;
-constexpr float KEY_HEAT = 0.42f;
-constexpr float SKY_HEAT = 0.28f;
-constexpr float SMOKELESS_HEAT = 0.5f;  // fire hotter than this hides the colour of its smoke
+constexpr float SHADED_HEAT = 0.48f;
+constexpr float KEY_HEAT = 0.567f;
+constexpr float SKY_HEAT = 0.305f;
+constexpr float SMOKELESS_HEAT = 0.4f;  // fire seen hotter than this hides its smoke's colour
+
+// Gaps between lobes are dark, or all lobes would melt into one yellow ball.
+constexpr int GAP_WIDTH_CELLS = 3;
+constexpr float GAP_FROM = 0.48f;     // mean soot around a place that lies in a shallow gap,
+constexpr float GAP_DEEP = 0.80f;     // and in a deep one;
+constexpr float GAP_COOLING = 0.83f;  // by this share heat looks lower in a deep one
+constexpr float GAP_HEAT = 0.80f;  // where fire is no hotter than this; hotter fire shines through,
+constexpr float GAPLESS_HEAT = 1.1f;  // and from here on its gaps are not seen
 
 // Fire by heat: display colours over black, turned to linear light once.
 struct Shade {
@@ -64,6 +72,9 @@ constexpr int SHEET = N * N;
 
 // What `body` holds.
 enum Body { THICKNESS, WARMTH, KEY_LIGHT, GLOW };
+
+// What `sky` holds.
+enum Sky { OPEN, GAP };
 
 float toLinear(float display) {
     return display <= 0.04045f ? display / 12.92f
@@ -135,6 +146,13 @@ void blur(std::vector<float>& field, int width) {
     }
 }
 
+// Heat as the viewer sees it: lower in the shade and in gaps.
+float seenHeat(Vec4 at, Vec4 above) {
+    const float lit = SHADED_HEAT + KEY_HEAT * at[KEY_LIGHT] + SKY_HEAT * above[OPEN];
+    const float mild = zeroToOne((GAPLESS_HEAT - at[WARMTH]) / (GAPLESS_HEAT - GAP_HEAT));
+    return at[WARMTH] * lit * (1.0f - GAP_COOLING * mild * above[GAP]);
+}
+
 }  // namespace
 
 Camera::Camera() : body(N * SHEET, all(0.0f)), sky(N * SHEET, all(0.0f)), haze(N * SHEET, 0.0f) {}
@@ -173,14 +191,24 @@ void Camera::openSky() {
     }
     blur(haze, SKY_WIDTH_CELLS);
     for (int i = 0; i < N * SHEET; ++i) {
-        sky[i] = all(1.0f / (1.0f + SKY_SHADOW * haze[i] * haze[i]));
+        sky[i][OPEN] = 1.0f / (1.0f + SKY_SHADOW * haze[i] * haze[i]);
+    }
+}
+
+void Camera::findGaps() {
+    for (int i = 0; i < N * SHEET; ++i) {
+        haze[i] = body[i][THICKNESS] / EXTINCTION;
+    }
+    blur(haze, GAP_WIDTH_CELLS);
+    for (int i = 0; i < N * SHEET; ++i) {
+        sky[i][GAP] = zeroToOne((haze[i] - GAP_FROM) / (GAP_DEEP - GAP_FROM));
     }
 }
 
 void Camera::thinTheSmoke(const Gas& gas, float age) {
     // Only smoke that is torn all the way through shows space, so tearing is fast at first.
     const float torn = TORN_AT_LAST * age * (1.4f - 0.4f * age) - TEAR_EDGE;
-    const float thickness = EXTINCTION * (1.0f - OLD_THINNING * age);
+    const float thickness = EXTINCTION * (1.0f - OLD_THINNING * age * (1.6f - 0.6f * age));
     for (int i = 0; i < N * SHEET; ++i) {
         haze[i] = gas.cargo[i][STRENGTH];
     }
@@ -209,14 +237,14 @@ Vec4 Camera::lookAlong(float x, float y) const {
         if (b[THICKNESS] < 1e-4f) {
             continue;
         }
-        const Vec4 open = between(sky, cell);
-        const Vec4 light =
-            KEY_COLOUR * all(b[KEY_LIGHT]) + SKY_COLOUR * open + GLOW_COLOUR * all(b[GLOW]);
+        const Vec4 above = between(sky, cell);
+        const Vec4 light = KEY_COLOUR * all(b[KEY_LIGHT]) + SKY_COLOUR * all(above[OPEN]) +
+                           GLOW_COLOUR * all(b[GLOW]);
         const float stays = left(b[THICKNESS] * STRIDE_PX);
         const float share = clear * (1.0f - stays);
-        const float cold = atLeastZero(1.0f - b[WARMTH] / SMOKELESS_HEAT);
+        const float heat = seenHeat(b, above);
+        const float cold = atLeastZero(1.0f - heat / SMOKELESS_HEAT);
         seen += SMOKE_COLOUR * light * all(share * cold);
-        const float heat = b[WARMTH] * (SHADED_HEAT + KEY_HEAT * b[KEY_LIGHT] + SKY_HEAT * open[0]);
         warmth += share * heat * heat * heat * heat;
         clear *= stays;
     }
@@ -235,6 +263,7 @@ std::vector<Vec4> Camera::photograph(const Gas& gas, float time) {
     castShadows(KEY_SHADOW + (OLD_KEY_SHADOW - KEY_SHADOW) * age);
     spreadGlow();
     openSky();
+    findGaps();
     std::vector<Vec4> picture(WIDTH * WIDTH, all(0.0f));
     const float reach = 0.5f * Gas::CUBE_PX - 1.0f;
     for (int i = 0; i < WIDTH * WIDTH; ++i) {

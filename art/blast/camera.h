@@ -24,11 +24,12 @@ private:
     void castShadows(float shadow);
     void spreadGlow();
     void openSky();
+    void findGaps();
     Vec4 lookAlong(float x, float y) const;
 
     // by cell, in the order of the gas
     std::vector<Vec4> body;  // extinction per px, heat, key light that gets here, light of the fire
-    std::vector<Vec4> sky;   // share of the sky that is open, in all four
+    std::vector<Vec4> sky;   // share of the sky that is open, how deep in a gap between lobes
     std::vector<float> haze;  // scratch of the blur
 };
 

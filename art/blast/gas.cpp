@@ -12,8 +12,7 @@ namespace {
 constexpr float WIDE_DENTS = 2.8f;  // around the ball, per radian
 constexpr float FINE_DENTS = 5.6f;
 constexpr float WIDE_DENTS_SHARE = 0.55f;
-constexpr float MOTTLES = 3.6f;       // spots of more and of less heat, soot and fuel, per radius
-constexpr float HEAT_MOTTLE = 0.35f;  // shares by which they differ
+constexpr float HEAT_MOTTLE = 0.50f;  // shares by which its spots differ
 constexpr float SOOT_MOTTLE = 0.20f;
 constexpr float FUEL_MOTTLE = 0.30f;
 constexpr float START_SWIRL = 0.4f;    // share of the burst's speed
@@ -22,17 +21,25 @@ constexpr float SURFACE_CELLS = 1.5f;  // softness of its surface
 // burning and cooling
 constexpr float BURN_RATE = 0.155f;     // per unit of fuel and picture: fast at first, a long tail
 constexpr float BURN_HEAT = 0.10f;      // heat per unit of burnt fuel
-constexpr float COOLING = 0.022f;       // share of heat lost per picture everywhere,
+constexpr float COOLING = 0.052f;       // share of heat lost per picture everywhere,
 constexpr float WHITE_COOLING = 0.04f;  // more the hotter it is,
 constexpr float SKIN_COOLING = 0.20f;   // and at the surface, where the gas shines into space
 constexpr int SKIN_CELLS = 2;           // depth of the surface
+constexpr float FIRST_COOLING = 0.5f;   // share of all this that a ball just lit loses,
+constexpr float COOLS_FULLY = 6.5f;     // rising up to this age in pictures,
+constexpr float EMBER_COOLING = 0.50f;  // and the share in weakened smoke, where embers glow long
 
 // motion
-constexpr float LIFT_PX = 1.0f;  // px per picture^2 by which hot gas climbs outwards
+constexpr float LIFT_PX = 1.1f;  // px per picture^2 by which hot gas climbs outwards
 constexpr float BOIL_PX = 1.8f;  // px per picture^2 of the small turmoil in hot gas
 constexpr float BOIL_WIDTH_PX = 7.0f;
-constexpr unsigned BOIL_SEED = 1550;
+constexpr unsigned BOIL_SEED = 1606;
 const Vec4 BOIL_DRIFT_PX = {0.45f, -0.35f, 0.4f, 0.0f};  // per picture
+constexpr float YOUNG_BOIL = 0.7f;   // share of one of its two fields in a young ball,
+constexpr float BILLOWS = 0.32f;     // to which this share comes of a wide one;
+constexpr float YOUNG_UNTIL = 5.0f;  // age in pictures, reached in the flash, up to which it is so,
+constexpr float OLD_FROM = 9.0f;     // and from which the small turmoil is whole and alone
+constexpr float BILLOW_WIDTH_PX = 13.0f;
 constexpr float BREEZE_PX = 0.5f;  // px per picture^2 of the air that keeps old smoke moving
 constexpr float BREEZE_WIDTH_PX = 15.0f;
 constexpr unsigned BREEZE_SEED = 900;
@@ -40,9 +47,15 @@ constexpr float DRAG = 0.05f;            // share of speed lost per picture ever
 constexpr float CALM_RADIUS_PX = 23.0f;  // and outside of this
 constexpr float CALM_DRAG = 0.10f;       // so much more per px
 constexpr float RECOIL = 0.8f;           // px per picture^2 and px off the middle
-constexpr float STICKINESS = 0.35f;      // share of the neighbours' speed taken over per step
-constexpr float OLD_STICKINESS = 0.6f;   // the same in weakened smoke
-constexpr float MENDING = 0.28f;         // 0.5 keeps all detail, and shows the squares of the grid
+// The lamp brightens the upper left of smoke: what is seen is in the middle when old smoke is so
+// far off it, and young fire this share of that. Between these ages (pictures) it moves.
+const Vec4 OLD_OFF_PX = {2.1f, 2.4f, 0.0f, 0.0f};
+constexpr float YOUNG_OFF = 0.22f;
+constexpr float OFF_MOVES_FROM = 6.0f;
+constexpr float OFF_MOVES_TO = 24.0f;
+constexpr float STICKINESS = 0.35f;     // share of the neighbours' speed taken over per step
+constexpr float OLD_STICKINESS = 0.6f;  // the same in weakened smoke
+constexpr float MENDING = 0.28f;        // 0.5 keeps all detail, and shows the squares of the grid
 
 // weak and strong smoke
 constexpr float PATCH_WIDTH_PX = 16.0f;
@@ -151,6 +164,7 @@ Gas::Gas()
       flow(N * SHEET, all(0.0f)),
       boiling(N * SHEET, all(0.0f)),
       seething(N * SHEET, all(0.0f)),
+      billows(N * SHEET, all(0.0f)),
       breeze(N * SHEET, all(0.0f)),
       swelling(N * SHEET, 0.0f),
       pressure(N * SHEET, 0.0f),
@@ -161,7 +175,8 @@ Gas::Gas()
     eachCell([&](int i, int x, int y, int z) {
         const Vec4 place = cellPlace(x, y, z);
         boiling[i] = swirl(place * all(1.0f / BOIL_WIDTH_PX), BOIL_SEED);
-        seething[i] = swirl(place * all(1.0f / BOIL_WIDTH_PX), BOIL_SEED + 20);
+        seething[i] = swirl(place * all(1.0f / BOIL_WIDTH_PX), BOIL_SEED + 40);
+        billows[i] = swirl(place * all(1.0f / BILLOW_WIDTH_PX), BOIL_SEED + 20);
         breeze[i] = swirl(place * all(1.0f / BREEZE_WIDTH_PX), BREEZE_SEED);
     });
 }
@@ -179,7 +194,7 @@ void Gas::light(const Burst& burst) {
             cargo[i][SOOT] *= 1.0f - blownAway(place, burst.radius);
             return;
         }
-        const Vec4 spots = place * all(MOTTLES / burst.radius);
+        const Vec4 spots = place * all(1.0f / burst.spots);
         const float mottle = roughNoise(spots, burst.seed + 2);
         const Vec4 lit =
             vec4(burst.heat * (1.0f + HEAT_MOTTLE * mottle), 1.0f + SOOT_MOTTLE * mottle,
@@ -213,7 +228,14 @@ float Gas::openSides(int cell) const {
     return open / 6.0f;
 }
 
+// Share of its full cooling that the gas has at its age.
+float Gas::cooling() const {
+    const float bare = zeroToOne(FIRST_COOLING + (1.0f - FIRST_COOLING) * age / COOLS_FULLY);
+    return weakened ? EMBER_COOLING : bare;
+}
+
 void Gas::burn(float dt) {
+    const float share = cooling();
     eachCell([&](int i, int, int, int) {
         Vec4& c = cargo[i];
         const float burnt = BURN_RATE * c[FUEL] * c[FUEL];
@@ -221,7 +243,7 @@ void Gas::burn(float dt) {
         swelling[i] = burnt;
         const float skin = openSides(i);
         const float loss = COOLING + WHITE_COOLING * c[HEAT] * c[HEAT] + SKIN_COOLING * skin * skin;
-        c[HEAT] = (c[HEAT] + BURN_HEAT * burnt * dt) / (1.0f + loss * dt);
+        c[HEAT] = (c[HEAT] + BURN_HEAT * burnt * dt) / (1.0f + share * loss * dt);
     });
 }
 
@@ -234,14 +256,23 @@ Vec4 Gas::recoil() const {
         sum += cellPlace(x, y, z) * all(share);
         weight += share;
     });
-    sum[2] = 0.0f;
-    return sum * all(-RECOIL / weight);
+    const float moved = zeroToOne((age - OFF_MOVES_FROM) / (OFF_MOVES_TO - OFF_MOVES_FROM));
+    const Vec4 wanted = OLD_OFF_PX * all(YOUNG_OFF + (1.0f - YOUNG_OFF) * moved);
+    const Vec4 off = sum / all(weight) - wanted;
+    return vec4(off[0], off[1], 0.0f) * all(-RECOIL);
+}
+
+// What stirs hot gas: wide swirls with few small ones in the young ball, then small ones alone.
+Vec4 Gas::turmoil(Vec4 cell, int index) const {
+    const Vec4 drift = BOIL_DRIFT_PX * all(age / H);
+    const float old = zeroToOne((age - YOUNG_UNTIL) / (OLD_FROM - YOUNG_UNTIL));
+    return between(boiling, cell + drift) * all(YOUNG_BOIL + (1.0f - YOUNG_BOIL) * old) +
+           between(seething, cell - drift) * all(old) +
+           billows[index] * all(BILLOWS * (1.0f - old));
 }
 
 void Gas::push(float dt) {
     const Vec4 back = recoil();
-    const Vec4 drift = BOIL_DRIFT_PX * all(age / H);
-    age += dt;
     eachCell([&](int i, int x, int y, int z) {
         const Vec4 place = cellPlace(x, y, z);
         const Vec4 here = vec4(static_cast<float>(x), static_cast<float>(y), static_cast<float>(z));
@@ -250,11 +281,12 @@ void Gas::push(float dt) {
         const float radius = std::sqrt(dot3(place, place));
         // Hot gas climbs away from the middle, as it would climb from the ground: this rolls lobes.
         const Vec4 lift = place * all(LIFT_PX * heat / (radius + 1.0f));
-        const Vec4 boil = between(boiling, here + drift) + between(seething, here - drift);
-        const Vec4 stir = (boil * all(BOIL_PX * heat) + breeze[i] * all(BREEZE_PX)) * all(soot);
+        const Vec4 stir =
+            (turmoil(here, i) * all(BOIL_PX * heat) + breeze[i] * all(BREEZE_PX)) * all(soot);
         const float drag = DRAG + CALM_DRAG * atLeastZero(radius - CALM_RADIUS_PX);
         flow[i] = (flow[i] + (lift + stir + back) * all(dt)) / all(1.0f + drag * dt);
     });
+    age += dt;
 }
 
 void Gas::smooth() {

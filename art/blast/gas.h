@@ -15,6 +15,7 @@ struct Burst {
     float heat;        // 1 is white
     float unevenness;  // share of the radius by which its surface is dented and bulged
     float speed;       // px per picture with which its lumps fly apart
+    float spots;       // px; width of its hotter and its sootier spots
     unsigned seed;     // of its dents and spots
 };
 
@@ -48,10 +49,12 @@ public:
     std::vector<Vec4> cargo;
 
 private:
+    float cooling() const;
     void burn(float dt);
     float openSides(int cell) const;
     void push(float dt);
     Vec4 recoil() const;
+    Vec4 turmoil(Vec4 cell, int index) const;
     void smooth();
     void keepVolume();
     void relaxPressure();
@@ -62,6 +65,7 @@ private:
     std::vector<Vec4> flow;       // px per picture
     std::vector<Vec4> boiling;    // small swirls in hot gas; two fields of them slide through each
     std::vector<Vec4> seething;   // other, for swirls that stand still square the lobes
+    std::vector<Vec4> billows;    // wide swirls in the young ball: lobes of unlike size
     std::vector<Vec4> breeze;     // wide swirls in all smoke
     std::vector<float> swelling;  // new volume per volume and picture
     std::vector<float> pressure;  // kept from step to step, which saves half the sweeps

@@ -11,6 +11,7 @@ LARGEST_PX = 7.0        # the right edge of the picture is that near
 
 BITS = 11
 BITS_SEED = 4
+BIT_LIGHT = 3.0         # power of its size by which the light of a bit grows
 
 # display colours by heat
 HEATS = (0.0, 0.2, 0.42, 0.62, 0.82, 1.0)
@@ -66,15 +67,26 @@ def ring(radius, angle, x, y):
 
 def bits(x, y, heat, out, size):
     """Glowing bits where the ring was, the large ones hot and the small ones cold."""
-    chance = np.random.RandomState(BITS_SEED)
     glow = np.zeros_like(x)
-    for i in range(BITS):
-        towards = (i + chance.uniform(-0.4, 0.4)) / BITS * 2 * np.pi
-        far = out * chance.uniform(0.5, 1.0)
-        large = chance.uniform(0.6, 1.15)
-        away = np.hypot(x - far * np.cos(towards), y - far * np.sin(towards))
+    for right, down, large in places_of_bits():
+        away = np.hypot(x - out * right, y - out * down)
         glow = np.maximum(glow, large * np.exp(-((away / (size * large)) ** 2)))
     return heat * glow
+
+
+def places_of_bits():
+    """Place (share of the way out) and size of each bit."""
+    chance = np.random.RandomState(BITS_SEED)
+    places = []
+    for i in range(BITS):
+        towards = (i + chance.uniform(-0.4, 0.4)) / BITS * 2 * np.pi
+        far = chance.uniform(0.5, 1.0)
+        large = chance.uniform(0.6, 1.15)
+        places.append((far * np.cos(towards), far * np.sin(towards), large))
+    places = np.array(places)
+    # Large bits are brighter, too: their light as a whole stays in the middle of the hit.
+    places[:, :2] -= np.average(places[:, :2], axis=0, weights=places[:, 2] ** BIT_LIGHT)
+    return places
 
 
 def embers(radius, angle, x, y):

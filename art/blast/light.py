@@ -15,9 +15,9 @@ MIDDLE = 41.5  # px, both ways
 BLOOM = ((1.4, 0.10, (1.0, 0.50, 0.08)), (4.5, 0.16, (1.0, 0.34, 0.03)))
 
 # flash: strength of core and rays by picture
-FLASH = {0: (0.35, 0.0), 1: (1.0, 1.0), 2: (0.62, 0.55), 3: (0.36, 0.18), 4: (0.21, 0.06),
-         5: (0.11, 0.0), 6: (0.05, 0.0),
-         16: (0.55, 0.0), 17: (0.25, 0.0), 18: (0.08, 0.0)}
+FLASH = {0: (0.35, 0.0), 1: (1.0, 1.3), 2: (0.70, 0.55), 3: (0.45, 0.18), 4: (0.27, 0.06),
+         5: (0.15, 0.0), 6: (0.07, 0.0),
+         16: (0.9, 0.0), 17: (0.45, 0.0), 18: (0.18, 0.0)}
 CORE_PX = 12.0
 RAYS = 17
 RAY_LONGEST_PX = 37.0
@@ -25,14 +25,21 @@ RAY_LONGEST_PX = 37.0
 WARMTH = np.array((1.0, 1.35, 2.0))
 STRENGTH = np.array((1.2, 0.95, 0.6))
 
+# This much light (linear) is taken off everywhere: on black it is not seen, but every pixel with
+# it costs a blend.
+FAINT = 0.003
+
 # nothing is left outside the last of these radii, px
 WINDOW_PX = (35.0, 40.2)
 
-# sparks: (picture of the burst, how many, how far the farthest flies in px)
-SHOWERS = ((-0.3, 46, 38.5), (15.3, 18, 37.5))
+# sparks: (picture of the burst, how many, how far the farthest flies in px, brightness)
+SHOWERS = ((-0.1, 46, 38.5, 1.0), (15.3, 18, 37.5, 0.5))
 SPARK_SEED = 36
 SPARK_WIDTH_PX = 0.62
-SPARK_SHORTEST_PX = 3.0
+SPARK_LONGEST_PX = 6.0
+SPARK_FLIGHT = 10.0                   # pictures that a spark drifts for
+SPARK_HIDDEN = (0.6, 2.4)             # pictures after which the flash hides it less, and no more
+BLEACHED = np.array((0.5, 0.8, 0.1))  # how much red, green and blue light take from a spark
 SPARK_HEAT = ((0.0, (1.0, 0.86, 0.36)), (0.35, (1.0, 0.66, 0.16)), (0.7, (1.0, 0.30, 0.03)),
               (1.0, (0.45, 0.05, 0.0)))
 
@@ -101,48 +108,52 @@ def sparks(number, clear):
     light = np.zeros((SIZE * 2, SIZE * 2, 3))
     x, y = grid(2)
     hidden = clear.repeat(2, axis=0).repeat(2, axis=1)
-    for shower, (start, count, farthest) in enumerate(SHOWERS):
+    for shower, (start, count, farthest, power) in enumerate(SHOWERS):
         chance = np.random.RandomState(SPARK_SEED + shower)
         for i in range(count):
             spark = splinter(chance, i, count, farthest)
             time = number - start - spark["late"]
             age = time / spark["life"]
             if 0.0 < age < 1.0:
-                light += trail(x, y, time, age, spark) * (1.0 if spark["front"] else hidden)
+                light += power * trail(x, y, time, age, spark) * (1.0 if spark["front"] else hidden)
     return coarse(light, 2)
 
 
 def splinter(chance, i, count, farthest):
     """One spark: evenly spread directions with jitter, uneven reach and life."""
-    towards = (i * 0.381966 % 1.0 + chance.uniform(-0.4, 0.4) / count) * 2 * np.pi
+    towards = (i + chance.uniform(-0.6, 0.6)) / count * 2 * np.pi
     return {
         "towards": towards,
-        "reach": farthest * chance.uniform(0.72, 1.0),
-        "slowness": chance.uniform(2.0, 3.6),
-        "life": chance.uniform(7.0, 14.5),
-        "late": chance.uniform(0.0, 1.4),
-        "bend": chance.uniform(-0.25, 0.25),
+        "reach": farthest * chance.uniform(0.84, 1.0),
+        "thrown": chance.uniform(0.62, 0.90),
+        "slowness": chance.uniform(0.25, 0.40),
+        "life": chance.uniform(9.0, 15.0),
+        "late": chance.uniform(0.0, 0.15),
+        "bend": chance.uniform(-0.5, 0.5),
         "front": chance.uniform() < 0.6,
-        "power": chance.uniform(0.7, 1.5),
+        "power": chance.uniform(0.6, 1.6),
+        "shortest": chance.uniform(1.6, 4.5),
     }
 
 
 def place(spark, time):
-    """Where a spark is some pictures after its burst: it slows down in the gas."""
+    """Where a spark is some pictures after its burst: thrown out in the flash, it then drifts."""
     time = max(time, 0.0)
-    out = spark["reach"] * (1.0 - np.exp(-time / spark["slowness"]))
-    towards = spark["towards"] + spark["bend"] * out / spark["reach"]
+    thrown = spark["thrown"] * (1.0 - np.exp(-time / spark["slowness"]))
+    share = thrown + (1.0 - spark["thrown"]) * time / SPARK_FLIGHT
+    out = spark["reach"] * share
+    towards = spark["towards"] + spark["bend"] * share
     return out * np.cos(towards), out * np.sin(towards)
 
 
 def trail(x, y, time, age, spark):
-    """Light of one spark: bright head, tail as long as its way in the last picture."""
+    """Light of one spark: bright head, tail along its way in the last pictures."""
     head_x, head_y = place(spark, time)
     tail_x, tail_y = place(spark, time - 1.5)
     way_x, way_y = head_x - tail_x, head_y - tail_y
     moved = max(np.hypot(way_x, way_y), 1e-6)
     way_x, way_y = way_x / moved, way_y / moved
-    length = max(moved, SPARK_SHORTEST_PX)
+    length = np.clip(moved, spark["shortest"], SPARK_LONGEST_PX)
     along = (head_x - x) * way_x + (head_y - y) * way_y
     beside = (head_x - x) * way_y - (head_y - y) * way_x
     ahead = np.maximum(-along, 0.0)
@@ -152,10 +163,11 @@ def trail(x, y, time, age, spark):
     shape *= (1.0 - behind) ** 1.2
     stages = [stage for stage, _ in SPARK_HEAT]
     colour = [np.interp(age, stages, [c[i] for _, c in SPARK_HEAT]) for i in range(3)]
-    fading = min(1.0, 3.0 * (1.0 - age))
+    dazzled, free = SPARK_HIDDEN
+    fading = min(1.0, 3.0 * (1.0 - age)) * np.clip((time - dazzled) / (free - dazzled), 0.0, 1.0)
     # Inside the white core a spark would only be a scratch.
     fading *= np.clip((np.hypot(head_x, head_y) - 9.0) / 12.0, 0.0, 1.0)
-    return shape[..., None] * np.array(colour) * (1.0 * spark["power"] * fading)
+    return shape[..., None] * np.array(colour) * (spark["power"] * fading)
 
 
 def window():

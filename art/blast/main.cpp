@@ -8,9 +8,10 @@
 
 namespace {
 
-constexpr int PICTURES = 44;  // two empty ones follow them
-constexpr int WEAKENED = 22;  // picture from which the smoke has weak places
-constexpr int STEPS = 2;      // per picture
+constexpr int PICTURES = 44;   // two empty ones follow them
+constexpr int WEAKENED = 22;   // picture from which the smoke has weak places
+constexpr int STEPS = 2;       // per picture,
+constexpr int LEAP_STEPS = 6;  // and in the leap to picture 1
 
 struct Event {
     float time;  // pictures
@@ -21,13 +22,13 @@ struct Event {
 // after picture 15 is in front of the whole ship two pictures before the ship disappears.
 // clang-format off
 const Event EVENTS[] = {
-    //       centre                       radius fuel   heat   uneven speed seed
-    {-1.0f, {{  0.0f,   0.0f,  0.0f, 0.0f},  8.85f, 4.25f, 1.15f, 0.32f, 1.0f, 310}},
-    { 4.5f, {{-13.0f,   9.0f, 12.0f, 0.0f},  4.50f, 1.90f, 0.90f, 0.70f, 2.0f, 20}},
-    { 7.0f, {{ 14.0f,  -8.0f, 13.0f, 0.0f},  4.50f, 1.90f, 0.90f, 0.70f, 2.0f, 30}},
-    {10.0f, {{  6.0f,  15.0f, 14.0f, 0.0f},  4.50f, 1.90f, 0.90f, 0.70f, 2.0f, 40}},
-    {12.5f, {{-10.0f, -12.0f, 14.0f, 0.0f},  4.50f, 1.90f, 0.90f, 0.70f, 2.0f, 50}},
-    {15.0f, {{  2.0f,   3.0f, 11.0f, 0.0f}, 13.00f, 1.90f, 1.30f, 0.35f, 1.5f, 60}},
+    //       centre                       radius fuel   heat   uneven speed spots seed
+    {-1.0f, {{  0.0f,   0.0f,  0.0f, 0.0f},  8.45f, 4.25f, 1.15f, 0.27f, 1.0f, 3.3f, 311}},
+    { 5.5f, {{-13.0f,   9.0f, 20.0f, 0.0f},  4.80f, 2.00f, 0.98f, 0.30f, 0.8f, 6.0f, 20}},
+    { 8.0f, {{ 14.0f,  -8.0f, 21.0f, 0.0f},  4.80f, 2.00f, 0.86f, 0.30f, 0.8f, 6.0f, 30}},
+    {10.0f, {{  6.0f,  15.0f, 21.0f, 0.0f},  4.80f, 2.00f, 0.80f, 0.30f, 0.8f, 6.0f, 40}},
+    {12.5f, {{-10.0f, -12.0f, 22.0f, 0.0f},  4.80f, 2.00f, 0.78f, 0.30f, 0.8f, 6.0f, 50}},
+    {15.0f, {{  2.0f,   3.0f, 11.0f, 0.0f}, 13.00f, 1.90f, 1.40f, 0.35f, 1.5f, 4.5f, 60}},
 };
 // clang-format on
 
@@ -39,13 +40,13 @@ void lightEvents(Gas& gas, float from, float to) {
     }
 }
 
-// Gas time up to a picture from the one before: the flash of picture 1 hides a leap, and the ball
-// then grows slowly enough for the eye to follow.
+// Gas time up to a picture from the one before: in the flash of picture 1 the ball leaps to most of
+// its size and over the whole ship, and then grows slowly enough for the eye to follow.
 float pace(int picture) {
     if (picture < 2) {
-        return picture == 0 ? 1.0f : 2.6f;
+        return picture == 0 ? 1.0f : 4.0f;
     }
-    const float gathering = 0.105f + 0.078f * static_cast<float>(picture);
+    const float gathering = 0.08f + 0.06f * static_cast<float>(picture);
     return gathering < 1.0f ? gathering : 1.0f;
 }
 
@@ -57,11 +58,12 @@ int main() {
     Gas gas;
     Camera camera;
     for (int picture = 0; picture < PICTURES; ++picture) {
-        for (int step = 0; step < STEPS; ++step) {
-            const float time =
-                static_cast<float>(picture) - 1.0f + static_cast<float>(step) / STEPS;
-            lightEvents(gas, time, time + 1.0f / STEPS);
-            gas.step(pace(picture) / STEPS);
+        const int steps = picture == 1 ? LEAP_STEPS : STEPS;
+        const float part = 1.0f / static_cast<float>(steps);
+        for (int step = 0; step < steps; ++step) {
+            const float time = static_cast<float>(picture) - 1.0f + static_cast<float>(step) * part;
+            lightEvents(gas, time, time + part);
+            gas.step(pace(picture) * part);
         }
         if (picture == WEAKENED) {
             gas.weaken();
