@@ -49,7 +49,7 @@ constexpr float CALM_DRAG = 0.10f;       // so much more per px
 constexpr float RECOIL = 0.8f;           // px per picture^2 and px off the middle
 // The lamp brightens the upper left of smoke: what is seen is in the middle when old smoke is so
 // far off it, and young fire this share of that. Between these ages (pictures) it moves.
-const Vec4 OLD_OFF_PX = {2.1f, 2.4f, 0.0f, 0.0f};
+const Vec4 OLD_OFF_PX = {2.6f, 2.5f, 0.0f, 0.0f};
 constexpr float YOUNG_OFF = 0.22f;
 constexpr float OFF_MOVES_FROM = 6.0f;
 constexpr float OFF_MOVES_TO = 24.0f;

@@ -32,8 +32,9 @@ FAINT = 0.003
 # nothing is left outside the last of these radii, px
 WINDOW_PX = (35.0, 40.2)
 
-# sparks: (picture of the burst, how many, how far the farthest flies in px, brightness)
-SHOWERS = ((-0.1, 46, 38.5, 1.0), (15.3, 18, 37.5, 0.5))
+# sparks: (picture of the burst, how many, how far the farthest flies in px, tint); those of the
+# second burst are orange, for in front of dark smoke yellow ones look like dust
+SHOWERS = ((-0.1, 46, 38.5, (1.0, 1.0, 1.0)), (15.3, 18, 37.5, (0.8, 0.42, 0.12)))
 SPARK_SEED = 36
 SPARK_WIDTH_PX = 0.62
 SPARK_LONGEST_PX = 6.0
@@ -108,14 +109,15 @@ def sparks(number, clear):
     light = np.zeros((SIZE * 2, SIZE * 2, 3))
     x, y = grid(2)
     hidden = clear.repeat(2, axis=0).repeat(2, axis=1)
-    for shower, (start, count, farthest, power) in enumerate(SHOWERS):
+    for shower, (start, count, farthest, tint) in enumerate(SHOWERS):
         chance = np.random.RandomState(SPARK_SEED + shower)
         for i in range(count):
             spark = splinter(chance, i, count, farthest)
             time = number - start - spark["late"]
             age = time / spark["life"]
             if 0.0 < age < 1.0:
-                light += power * trail(x, y, time, age, spark) * (1.0 if spark["front"] else hidden)
+                seen = 1.0 if spark["front"] else hidden
+                light += trail(x, y, time, age, spark) * np.array(tint) * seen
     return coarse(light, 2)
 
 
