@@ -6,11 +6,15 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <link.h>
 #include <string>
 #include <unistd.h>
 
 namespace front {
 namespace {
+
+constexpr char GAMES_LIBRARY[] = "libSDL-1.2";
 
 // Never deleted: the game's exit handlers still call the libraries.
 Session* session = nullptr;
@@ -83,8 +87,41 @@ SessionOptions optionsFromEnvironment(int argc, char** argv) {
     return options;
 }
 
+// True in the game, which is linked to SDL; false in a shell script that starts it.
+int readNeeded(dl_phdr_info* program, size_t /*bytes*/, void* result) {
+    const ElfW(Dyn)* dynamic = nullptr;
+    for (int i = 0; i < program->dlpi_phnum; ++i) {
+        if (program->dlpi_phdr[i].p_type == PT_DYNAMIC) {
+            dynamic = reinterpret_cast<const ElfW(Dyn)*>(program->dlpi_addr +
+                                                         program->dlpi_phdr[i].p_vaddr);
+        }
+    }
+    const char* strings = nullptr;
+    for (const ElfW(Dyn)* entry = dynamic; entry != nullptr && entry->d_tag != DT_NULL; ++entry) {
+        if (entry->d_tag == DT_STRTAB) {
+            strings = reinterpret_cast<const char*>(entry->d_un.d_ptr);
+        }
+    }
+    for (const ElfW(Dyn)* entry = dynamic; strings != nullptr && entry->d_tag != DT_NULL; ++entry) {
+        if (entry->d_tag == DT_NEEDED && std::strncmp(strings + entry->d_un.d_val, GAMES_LIBRARY,
+                                                      sizeof GAMES_LIBRARY - 1) == 0) {
+            *static_cast<bool*>(result) = true;
+        }
+    }
+    return 1;  // the program comes first: look no further
+}
+
+bool isGame() {
+    bool result = false;
+    dl_iterate_phdr(readNeeded, &result);
+    return result;
+}
+
 // Runs before main(), in the game's main thread.
 __attribute__((constructor)) void begin(int argc, char** argv, char** /*environment*/) {
+    if (!isGame()) {
+        return;  // a launcher, which becomes the game and brings the layer along
+    }
     // A program that the game might start is no game.
     unsetenv("LD_PRELOAD");
     session = new Session(optionsFromEnvironment(argc, argv));

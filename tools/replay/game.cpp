@@ -124,16 +124,16 @@ std::string layersMessage(const std::string& errors) {
 
 void complete(Place& place) {
     if (place.program.empty()) {
-        place.program = findFile({"kravoltix", "../lib/games/kravoltix/kravoltix"}, "", "the game",
+        place.program = findFile({KRAVOLTIX_LIB_FROM_BIN "/kravoltix", "kravoltix"}, "", "the game",
                                  "--game PROGRAM");
     }
     if (place.preload.empty()) {
         place.preload =
-            findFile({"libkravoltix_preload.so", "../lib/games/kravoltix/libkravoltix_preload.so"},
+            findFile({KRAVOLTIX_LIB_FROM_BIN "/libkravoltix_preload.so", "libkravoltix_preload.so"},
                      "", "the layer libkravoltix_preload.so", "--layer FILE");
     }
     if (place.data.empty()) {
-        place.data = findFile({"../../data", "../share/games/kravoltix"}, FIRST_ASSET,
+        place.data = findFile({KRAVOLTIX_DATA_FROM_BIN, "../../data"}, FIRST_ASSET,
                               "the folder of the game's pictures and sounds", "--data FOLDER");
     }
     if (access(place.program.c_str(), X_OK) != 0) {
