@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // kravoltix-replay: records, watches, proves, films and describes games.
 #include "front/session.h"
+#include "replay/film.h"
 #include "replay/game.h"
 #include "replay/summary.h"
 #include "replay/verify.h"
@@ -110,6 +111,23 @@ void addPlace(CLI::App& verb, replay::Place& place) {
     verb.add_option("--data", place.data, "The folder with the game's pictures and sounds");
 }
 
+void addFilmOptions(CLI::App& verb, replay::FilmOptions& options) {
+    verb.add_option("FILE", options.file, "The game")->required();
+    verb.add_option("OUT", options.out, "A file.mp4 or file.gif, or a folder/ for PNG pictures")
+        ->required();
+    verb.add_option("--from", options.from, "Seconds of the game to leave out at its beginning")
+        ->check(CLI::NonNegativeNumber);
+    verb.add_option("--to", options.to, "The second of the game to stop at")
+        ->check(CLI::NonNegativeNumber);
+    verb.add_option("--fps", options.rate,
+                    "Pictures a second, of a .gif (25) or of PNG pictures (60)")
+        ->check(CLI::Range(1, 240));
+    verb.add_option("--scale", options.scale, "Size of a .gif, 1 as the game")
+        ->check(CLI::Range(0.05, 4.0));
+    verb.add_flag("--partial", options.partly, "Take a file that was cut off");
+    verb.add_flag("--force", options.force, "Write over what is there already");
+}
+
 }  // namespace
 
 int main(int argc, char* argv[]) {
@@ -149,11 +167,15 @@ int main(int argc, char* argv[]) {
                          "Leave the pictures out where another SDL made them");
     verifyVerb->add_option("--jobs", verifyOptions.jobs, "Games at once")->check(CLI::Range(1, 64));
 
+    replay::FilmOptions filmOptions;
+    CLI::App* filmVerb = app.add_subcommand("video", "Film a game, unseen and with its sounds");
+    addFilmOptions(*filmVerb, filmOptions);
+
     InfoOptions infoOptions;
     CLI::App* infoVerb = app.add_subcommand("info", "Tell a game's length, result and figures");
     infoVerb->add_option("FILE", infoOptions.file, "The game")->required();
 
-    for (CLI::App* verb : {recordVerb, watchVerb, verifyVerb, infoVerb}) {
+    for (CLI::App* verb : {recordVerb, watchVerb, verifyVerb, filmVerb, infoVerb}) {
         addPlace(*verb, place);
     }
     CLI11_PARSE(app, argc, argv);
@@ -168,6 +190,10 @@ int main(int argc, char* argv[]) {
         if (*verifyVerb) {
             verifyOptions.place = place;
             return replay::verify(verifyOptions);
+        }
+        if (*filmVerb) {
+            filmOptions.place = place;
+            return replay::film(filmOptions);
         }
         return info(place, infoOptions);
     } catch (const replay::Trouble& trouble) {
