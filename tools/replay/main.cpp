@@ -3,6 +3,7 @@
 #include "front/session.h"
 #include "replay/film.h"
 #include "replay/game.h"
+#include "replay/moments.h"
 #include "replay/summary.h"
 #include "replay/verify.h"
 
@@ -171,11 +172,18 @@ int main(int argc, char* argv[]) {
     CLI::App* filmVerb = app.add_subcommand("video", "Film a game, unseen and with its sounds");
     addFilmOptions(*filmVerb, filmOptions);
 
+    replay::MomentsOptions momentsOptions;
+    CLI::App* momentsVerb =
+        app.add_subcommand("moments", "Keep the pictures of a game's telling moments");
+    momentsVerb->add_option("FILE", momentsOptions.file, "The game")->required();
+    momentsVerb->add_option("FOLDER", momentsOptions.folder, "For the pictures")->required();
+    momentsVerb->add_flag("--force", momentsOptions.force, "Write over pictures that are there");
+
     InfoOptions infoOptions;
     CLI::App* infoVerb = app.add_subcommand("info", "Tell a game's length, result and figures");
     infoVerb->add_option("FILE", infoOptions.file, "The game")->required();
 
-    for (CLI::App* verb : {recordVerb, watchVerb, verifyVerb, filmVerb, infoVerb}) {
+    for (CLI::App* verb : {recordVerb, watchVerb, verifyVerb, filmVerb, momentsVerb, infoVerb}) {
         addPlace(*verb, place);
     }
     CLI11_PARSE(app, argc, argv);
@@ -195,8 +203,12 @@ int main(int argc, char* argv[]) {
             filmOptions.place = place;
             return replay::film(filmOptions);
         }
+        if (*momentsVerb) {
+            momentsOptions.place = place;
+            return replay::keepMoments(momentsOptions);
+        }
         return info(place, infoOptions);
-    } catch (const replay::Trouble& trouble) {
+    } catch (const std::exception& trouble) {
         std::fprintf(stderr, "kravoltix-replay: %s\n", trouble.what());
         return STATUS_TROUBLE;
     }
