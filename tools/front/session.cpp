@@ -175,7 +175,10 @@ void Session::collectText() {
 void Session::holdClockAndEvents() {
     Hooks& all = hooks();
     if (options.scripted || recorder.isOpen()) {
-        all.SDL_GetTicks = [this] { return clockMs; };
+        all.SDL_GetTicks = [this] {
+            startLiveClock();
+            return clockMs;
+        };
         all.SDL_Delay = [this](Uint32 ms) { delay(ms); };
         all.SDL_Flip = [this](SDL_Surface* shown) { return flip(shown); };
     }
@@ -225,9 +228,7 @@ int Session::flipScripted(SDL_Surface* shown) {
 }
 
 int Session::flipLive(SDL_Surface* shown) {
-    if (frame == 0) {
-        startLiveClock();
-    }
+    startLiveClock();
     ++frame;
     const Uint64 hash = pictureHash(shown);
     const int result = real::SDL_Flip(shown);
@@ -239,8 +240,13 @@ int Session::flipLive(SDL_Surface* shown) {
     return result;
 }
 
-// A clock below the game's own first frame time would make its second one wrap.
+// The game's clock starts when the game first asks for it, after everything has been loaded. One below
+// the game's own first frame time would make its second one wrap.
 void Session::startLiveClock() {
+    if (options.scripted || liveClockRuns) {
+        return;
+    }
+    liveClockRuns = true;
     const Uint32 now = real::SDL_GetTicks();
     clockMs = std::max(now, Scenario::DEFAULT_START_MS);
     liveOffsetMs = clockMs - now;

@@ -100,6 +100,7 @@ private:
     Uint32 firstFrameMs = 0;  // when the first frame was shown
     Uint32 frame = 0;         // frames shown so far
     Uint32 frameMs = Scenario::DEFAULT_FRAME_MS;
+    bool liveClockRuns = false;
     Uint32 liveOffsetMs = 0;  // from the real clock to the game's
 
     // how far the script has come
