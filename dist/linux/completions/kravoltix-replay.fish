@@ -1,18 +1,19 @@
 # SPDX-License-Identifier: MIT
 # fish completion for kravoltix-replay
-set -l verbs record play verify video info
+set -l verbs record play verify video moments info
 complete -c kravoltix-replay -n "not __fish_seen_subcommand_from $verbs" -f -a record -d 'Play while all is written down'
 complete -c kravoltix-replay -n "not __fish_seen_subcommand_from $verbs" -f -a play -d 'Watch a game in a window'
 complete -c kravoltix-replay -n "not __fish_seen_subcommand_from $verbs" -f -a verify -d 'Play games again and compare'
 complete -c kravoltix-replay -n "not __fish_seen_subcommand_from $verbs" -f -a video -d 'Make a film of a game'
+complete -c kravoltix-replay -n "not __fish_seen_subcommand_from $verbs" -f -a moments -d 'Keep pictures of telling moments'
 complete -c kravoltix-replay -n "not __fish_seen_subcommand_from $verbs" -f -a info -d 'Tell length, result and figures'
 complete -c kravoltix-replay -l help -d 'Print help'
 complete -c kravoltix-replay -n "__fish_seen_subcommand_from $verbs" -r -l game -d 'The program of the game'
 complete -c kravoltix-replay -n "__fish_seen_subcommand_from $verbs" -r -l layer -d 'The layer in front of SDL'
 complete -c kravoltix-replay -n "__fish_seen_subcommand_from $verbs" -r -l data -d 'The folder of pictures and sounds'
-complete -c kravoltix-replay -n '__fish_seen_subcommand_from record video' -l force -d 'Write over a file'
+complete -c kravoltix-replay -n '__fish_seen_subcommand_from record video moments' -l force -d 'Write over a file'
 complete -c kravoltix-replay -n '__fish_seen_subcommand_from play' -x -l speed -d 'So many times as fast'
-complete -c kravoltix-replay -n '__fish_seen_subcommand_from play verify' -l partial -d 'Take a file that was cut off'
+complete -c kravoltix-replay -n '__fish_seen_subcommand_from play verify video' -l partial -d 'Take a file that was cut off'
 complete -c kravoltix-replay -n '__fish_seen_subcommand_from verify' -r -l expected-game -d 'Another build of the game'
 complete -c kravoltix-replay -n '__fish_seen_subcommand_from verify' -r -l pictures -d 'Folder for pictures of a difference'
 complete -c kravoltix-replay -n '__fish_seen_subcommand_from verify' -l any-library -d 'Leave pictures out'
