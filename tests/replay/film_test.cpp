@@ -311,6 +311,7 @@ TEST_F(Film, TellsWhatIsWrongWithTheCommand) {
         {"stars stars.mp4 --scale 0.5",   "--scale is for .gif only"},
         {"stars stars.gif --fps 60",      "a .gif has 50 pictures a second at most"},
         {"stars stars.mp4 --from 2",      "the game lasts 0:01.579"},
+        {"stars stars.mp4 --layer none.so", "none.so: cannot be read (--layer)"},
         {"stars stars.mp4 --from 1 --to 1", "nothing to film between --from and --to"},
     };
     // clang-format on
@@ -350,6 +351,21 @@ TEST_F(Film, StoppingItLeavesNoHalfFilm) {
         " && { " KRAVOLTIX_REPLAY " video " PLAYTHROUGHS "/won.scenario won.mp4 2>&1 & }; tool=$!; "
         "while [ ! -e won.mp4.part ]; do sleep 0.05; done; kill -TERM $tool; wait $tool");
     expectTrouble(output, "stopped; the film is not kept");
+    EXPECT_EQ(files(), "stars");
+}
+
+TEST_F(Film, TheMomentsOfAGameBecomePictures) {
+    const Output output = run("moments " PLAYTHROUGHS "/won.scenario moments");
+    EXPECT_EQ(output.status, FILMED) << output.text;
+    EXPECT_EQ(outputOf("ls " + path("moments")).text,
+              "countdown.png\nexplosion.png\nformation.png\nlaser-hit.png\ntitle.png\nwon.png\n");
+    EXPECT_GT(differingPixels(path("moments/title.png"), path("moments/won.png")), 1000);
+    expectTrouble(run("moments " PLAYTHROUGHS "/won.scenario moments"),
+                  "moments/title.png: is there already");
+}
+
+TEST_F(Film, AGameWithoutMomentsIsTold) {
+    expectTrouble(run("moments stars moments"), "stars: the game has none of the moments");
     EXPECT_EQ(files(), "stars");
 }
 

@@ -114,7 +114,9 @@ public:
     }
 
     ~FilmedGame() {
-        close(pictures);
+        if (pictures >= 0) {
+            close(pictures);
+        }
         if (process > 0) {
             kill(process, SIGKILL);
             waitForGame(process);
@@ -137,7 +139,10 @@ public:
         return true;
     }
 
+    // A game that has not got rid of its pictures ends now.
     GameResult wait() {
+        close(pictures);
+        pictures = -1;
         const int ended = process;
         process = -1;
         return waitForGame(ended);

@@ -142,6 +142,10 @@ void complete(Place& place) {
     if (!fs::is_directory(place.data)) {
         throw Trouble(place.data + ": is no folder (--data)");
     }
+    // Without it the game would run all the same, and wait for a player.
+    if (access(place.preload.c_str(), R_OK) != 0) {
+        throw Trouble(place.preload + ": cannot be read (--layer)");
+    }
     place.preload = fs::absolute(place.preload).string();
 }
 

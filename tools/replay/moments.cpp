@@ -119,10 +119,13 @@ std::vector<Moment> momentsOf(const front::Recording& recording) {
 int keepMoments(const MomentsOptions& options) {
     const std::vector<Moment> moments = momentsOf(playAgain(options.place, options.file));
     if (moments.empty()) {
-        throw Trouble(options.file + ": the game has shown no picture");
+        throw Trouble(options.file + ": the game has none of the moments; its sounds tell them");
     }
     std::error_code error;
     fs::create_directories(options.folder, error);
+    if (error) {
+        throw Trouble(options.folder + ": cannot be made: " + error.message());
+    }
     const TemporaryFolder folder;
     std::vector<KeptFrame> kept;
     for (const Moment& moment : moments) {
