@@ -159,8 +159,8 @@ TEST_F(Film, IsTheSameBytesInEveryRun) {
     EXPECT_EQ(framesOf("one.mp4", 'v'), framesOf("other.mp4", 'v'));
     EXPECT_EQ(framesOf("one.mp4", 'a'), framesOf("other.mp4", 'a'));
     EXPECT_TRUE(contentOf(path("one.mp4")) == contentOf(path("other.mp4")));
-    film("stars one.gif --from 0.1 --to 0.3");
-    film("stars other.gif --from 0.1 --to 0.3");
+    film("stars.kvx one.gif --from 0.1 --to 0.3");
+    film("stars.kvx other.gif --from 0.1 --to 0.3");
     EXPECT_TRUE(contentOf(path("one.gif")) == contentOf(path("other.gif")));
 }
 
