@@ -72,4 +72,14 @@ TEST(Moments, AFrameWithoutTimeIsFollowedByASleepOfAMillisecond) {
     EXPECT_EQ(wordsOf(replay::momentsOf(recording)), "title 81 countdown 586 ");
 }
 
+TEST(Moments, AMomentsTimeIsCountedFromTheFirstPicture) {
+    front::Recording recording = game();
+    play(recording, 100, "keyboard");
+    play(recording, 200, "intro");
+    const std::vector<replay::Moment> moments = replay::momentsOf(recording);
+    ASSERT_EQ(moments.size(), 2U);
+    EXPECT_EQ(moments[0].ms, 98 * FRAME_MS);
+    EXPECT_EQ(moments[1].ms, 299 * FRAME_MS);
+}
+
 }  // namespace

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
 
 namespace replay {
 namespace {
@@ -20,6 +21,8 @@ constexpr Uint32 FORMATION_MS = 300;      // before the first of it explodes
 constexpr Uint32 FLASH_MS = 60;           // behind the hit
 constexpr Uint32 FIREBALL_MS = 300;       // behind the explosion's sound
 constexpr Uint32 LAST_FIREBALL_MS = 700;  // the same, where nobody is left to look at
+
+constexpr double MS_PER_SECOND = 1000;
 
 // What tells them.
 constexpr char RETURN_IS_PRESSED[] = "sounds/keyboard.wav,";
@@ -74,7 +77,8 @@ public:
     void add(const std::string& name, Uint32 clockMs) {
         const auto behind = std::upper_bound(clocks.begin(), clocks.end(), clockMs);
         if (behind != clocks.begin()) {
-            moments.push_back({name, static_cast<Uint32>(behind - clocks.begin())});
+            const Uint32 frame = static_cast<Uint32>(behind - clocks.begin());
+            moments.push_back({name, frame, *std::prev(behind) - clocks.front()});
         }
     }
 
@@ -139,7 +143,8 @@ int keepMoments(const MomentsOptions& options) {
     for (size_t i = 0; i < moments.size(); ++i) {
         const std::string png = options.folder + "/" + moments[i].name + ".png";
         convertToPng(kept[i].file, png);
-        std::printf("%s: frame %u\n", png.c_str(), moments[i].frame);
+        std::printf("%s: frame %u, second %.1f\n", png.c_str(), moments[i].frame,
+                    moments[i].ms / MS_PER_SECOND);
     }
     return 0;
 }

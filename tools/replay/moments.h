@@ -14,6 +14,7 @@ namespace replay {
 struct Moment {
     std::string name;
     Uint32 frame;
+    Uint32 ms;  // of the game, from its first picture
 };
 
 // In the order of the game; a moment that the game does not have is left out.
