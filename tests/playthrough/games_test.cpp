@@ -36,6 +36,39 @@ TEST(WholeGame, IsWonWhenAllSevenEnemiesHaveExploded) {
     EXPECT_LE(result.callsOf("Mix_PlayChannelTimed(1, sounds/shot001b.wav").size(), 50U);
 }
 
+TEST(WholeGame, IsWonOnAFastMachineToo) {
+    const ProgramResult result = runProgram({{}, scenario("won-1000")});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(timesIn(result.output, "FlyingObject->explode()\n"), 7);
+    EXPECT_EQ(timesIn(result.output, "ownShipTargetList: F F F F F F F F F F \n"), 1);
+    EXPECT_EQ(timesIn(result.output, "Good Bye World!"), 0);
+}
+
+// Fifty laser shots take fifty of seventy points of energy.
+TEST(WholeGame, WithoutARocketEndsWithFiveDestroyedByFiftyShots) {
+    for (const char* name : {"purist", "purist-1000"}) {
+        SCOPED_TRACE(name);
+        const ProgramResult result = runProgram({{}, scenario(name)});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.callsOf("Mix_PlayChannelTimed(1, sounds/shot001b.wav").size(), 50U);
+        EXPECT_EQ(timesIn(result.output, "widht deathFactor 1 -> target energy = "), 50);
+        EXPECT_EQ(timesIn(result.output, "nearestTarget: "), 0);
+        EXPECT_EQ(timesIn(result.output, "FlyingObject->explode()\n"), 5);
+        EXPECT_EQ(timesIn(result.output, "EnemyShip::ownShipTargetList: "), 7 + 5)
+            << "seven are born and five are gone";
+        EXPECT_EQ(timesIn(result.output, "Good Bye World!"), 0);
+    }
+}
+
+TEST(WholeGame, CanBeLeftInTheMiddleOfTheFight) {
+    const ProgramResult result = runProgram({{}, scenario("left")});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_GE(timesIn(result.output, "FlyingObject->explode()\n"), 1);
+    EXPECT_LT(timesIn(result.output, "FlyingObject->explode()\n"), 7);
+    EXPECT_EQ(timesIn(result.output, "Good Bye World!"), 0);
+    EXPECT_TRUE(endsWith(result.output, std::string(FADE_OUT_LINES) + THANKS_LINES));
+}
+
 TEST(WholeGame, IsLostWhenThePlayersShipHasExploded) {
     const ProgramResult result = runProgram({{}, scenario("lost")});
     EXPECT_EQ(result.status, 0);
