@@ -60,9 +60,9 @@ need_replay_tools() {
 need_test_tools() {
     need_replay_tools
     need_library gtest libgtest-dev gtest-devel gtest gtest
-    need_library CLI11 libcli11-dev cli11-devel cli11 cli11-devel
     need_python numpy python3-numpy python3-numpy python-numpy python3-numpy
     need_python PIL python3-pil python3-pillow python-pillow python3-Pillow
+    need_python matplotlib python3-matplotlib python3-matplotlib python-matplotlib python3-matplotlib
 }
 
 # Installs what the need_* calls before it found missing.

@@ -12,7 +12,7 @@
 namespace pilot {
 namespace {
 
-constexpr Uint32 LOOK_MS = 20;         // from one look at the fight to the next
+constexpr Uint32 LOOK_MS = 16;         // from one look at the fight to the next
 constexpr Uint32 PATIENCE_MS = 60000;  // a fight that takes longer is left
 constexpr Uint32 BREATH_MS = 500;      // from the end of the fight to the press of Escape
 
@@ -26,8 +26,7 @@ constexpr float HIT_DEPTH_PX = 40;      // a shot hits about so far above the pl
 constexpr float LASER_SPEED = 0.44f;    // pixels per millisecond
 constexpr float LASER_HIT_Y = 24;       // from the shot's upper edge, in pixels
 
-// It fires when a shot would hit from so far to the left and from so far to the right, too.
-constexpr float LASER_DOUBT_PX = 5;
+// It fires a rocket when that would hit from so far to the left and to the right, too.
 constexpr float ROCKET_DOUBT_PX = 10;
 
 // Efforts, in pixels of flight; a key for climbing or falling is worth half of one for the sides.
@@ -256,8 +255,8 @@ void Pilot::fireLaser(const Foresight& ahead) {
     }
     const MyShip& ship = ahead.ship();
     const float x = ship.xFloat + static_cast<float>(misjudgedPx);
-    const int left = ahead.laserHits({x - LASER_DOUBT_PX, ship.yFloat}, habits.reactionMs);
-    const int right = ahead.laserHits({x + LASER_DOUBT_PX, ship.yFloat}, habits.reactionMs);
+    const int left = ahead.laserHits({x - plan.doubtPx, ship.yFloat}, habits.reactionMs);
+    const int right = ahead.laserHits({x + plan.doubtPx, ship.yFloat}, habits.reactionMs);
     if (left == Foresight::NOBODY || left != right || !isPrey(left)) {
         return;
     }
