@@ -36,6 +36,7 @@ constexpr float PER_POINT_OF_ENERGY = 8;
 constexpr float SEEN_FROM_Y = -24;        // an enemy above this cannot be fired at yet, and
 constexpr float PER_PIXEL_TOO_HIGH = 20;  // falls so slowly
 constexpr float PER_UNSAFE_MS = 3;
+constexpr float TOURIST_FROM_Y = 60;  // well inside the screen
 
 // How long keys are held in what the pilot imagines.
 constexpr Uint32 TAPS_MS[] = {60, 160, 400};
@@ -164,7 +165,7 @@ bool Pilot::isPrey(int enemy) const {
 
 int Pilot::shotsNeededFor(int enemy) const {
     const EnemyShip& ship = *field.enemyShips[enemy];
-    if (!isInGame(ship) || ship.energy <= 0 || (!plan.dodges && ship.yFloat < 0)) {
+    if (!isInGame(ship) || ship.energy <= 0 || (!plan.dodges && ship.yFloat < TOURIST_FROM_Y)) {
         return 0;
     }
     return ship.energy - plan.leavesEnemy - aimedAt(enemy);
