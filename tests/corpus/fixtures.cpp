@@ -62,7 +62,8 @@ constexpr unsigned int SOUND_RATE_HZ = 22050;
 constexpr unsigned int SOUND_SAMPLES = 441;  // 20 ms
 constexpr unsigned int BYTES_PER_SAMPLE = 2;
 
-constexpr unsigned int BYTES_PER_PIXEL = 4;
+constexpr unsigned int COLOURS = 256;
+constexpr unsigned int HOLE = 0;  // the palette's transparent entry
 constexpr std::uint8_t SEEN = 255;
 constexpr std::uint8_t UNSEEN = 0;
 
@@ -97,34 +98,49 @@ std::uint32_t numberOf(const std::string& name) {
     return number;
 }
 
-// Half the colour is the picture's own, so that people tell them apart too. One pixel in eight is a
-// hole; those that are seen are never black, so that each shows on the sky. A pixel of a hole has a
-// colour too: whoever drew it would be found out.
-void setPixel(std::uint8_t* pixel, std::uint32_t picture, std::uint32_t number) {
-    for (unsigned int i = 0; i < 3; ++i) {
-        pixel[i] = static_cast<std::uint8_t>((picture >> 8 * i & 0x7f) + (number >> 8 * i & 0x7f));
+// Half of a colour is the picture's own, so that people tell pictures apart too. Those that are seen
+// are never black, so that each shows on the sky. The hole has a colour too: whoever drew it would be
+// found out.
+//
+// Colours come from a palette of which one entry is a hole. Such a picture is copied, pixel by pixel
+// or not at all, by every library alike; one with an alpha channel is mixed, which rounds differently
+// from library to library even where a pixel is opaque.
+std::vector<std::uint8_t> makePalette(std::uint32_t picture) {
+    std::vector<std::uint8_t> palette;
+    for (unsigned int i = 0; i < COLOURS; ++i) {
+        const std::uint32_t number = mixed(picture + i);
+        for (unsigned int shift = 0; shift < 24; shift += 8) {
+            palette.push_back(static_cast<std::uint8_t>((picture >> shift & 0x7f) +
+                                                        (number >> shift & 0x7f) + 1));
+        }
+        palette.push_back(i == HOLE ? UNSEEN : SEEN);
     }
-    pixel[0] |= 1;
-    // Nothing in between: libraries mix half transparent pixels each in its own way.
-    pixel[3] = number >> 29 == 0 ? UNSEEN : SEEN;
+    return palette;
+}
+
+// One pixel in eight is a hole.
+std::uint8_t pixelAt(std::uint32_t picture, unsigned int x, unsigned int y) {
+    const std::uint32_t number = mixed(picture + mixed(y << 16 | x));
+    return static_cast<std::uint8_t>(number >> 29 == 0 ? HOLE : 1 + number % (COLOURS - 1));
 }
 
 bool writePicture(const fs::path& folder, const Picture& picture) {
     const std::uint32_t name = numberOf(picture.path);
-    std::vector<std::uint8_t> pixels(std::size_t{BYTES_PER_PIXEL} * picture.width * picture.height);
+    const std::vector<std::uint8_t> palette = makePalette(name);
+    std::vector<std::uint8_t> pixels;
     for (unsigned int y = 0; y < picture.height; ++y) {
         for (unsigned int x = 0; x < picture.width; ++x) {
-            setPixel(&pixels[std::size_t{BYTES_PER_PIXEL} * (y * picture.width + x)], name,
-                     mixed(name + mixed(y << 16 | x)));
+            pixels.push_back(pixelAt(name, x, y));
         }
     }
     png_image image = {};
     image.version = PNG_IMAGE_VERSION;
     image.width = picture.width;
     image.height = picture.height;
-    image.format = PNG_FORMAT_RGBA;
+    image.format = PNG_FORMAT_RGBA_COLORMAP;
+    image.colormap_entries = COLOURS;
     const std::string path = folder / picture.path;
-    if (png_image_write_to_file(&image, path.c_str(), 0, pixels.data(), 0, nullptr) == 0) {
+    if (png_image_write_to_file(&image, path.c_str(), 0, pixels.data(), 0, palette.data()) == 0) {
         std::fprintf(stderr, "%s: %s\n", path.c_str(), image.message);
         return false;
     }

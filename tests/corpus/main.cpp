@@ -38,6 +38,7 @@ struct Options {
     size_t count = 0;   // 0: all
     size_t sample = 0;  // so many, spread over the table; 0: all
     bool first = false;
+    Uint32 seeds = SEEDS;  // to write
     unsigned int jobs = 1;
 };
 
@@ -250,7 +251,7 @@ void tellChanges(const std::vector<Row>& before, const std::vector<Row>& now) {
 int write(const Options& options) {
     const std::vector<Row> before = rowsBefore(options.table);
     std::vector<Uint32> seeds;
-    for (Uint32 seed = 1; seed <= SEEDS; ++seed) {
+    for (Uint32 seed = 1; seed <= options.seeds; ++seed) {
         seeds.push_back(seed);
     }
     std::vector<Row> now;
@@ -310,6 +311,8 @@ int main(int argc, char* argv[]) {
 
     CLI::App* writeVerb = app.add_subcommand("write", "Play the games and write their table anew");
     addPlace(*writeVerb, options);
+    writeVerb->add_option("--seeds", options.seeds, "So many seeds, from 1")
+        ->check(CLI::PositiveNumber);
 
     Uint32 seed = 0;
     CLI::App* showVerb = app.add_subcommand("show", "Print a seed's game, a scenario");

@@ -17,7 +17,7 @@ constexpr std::uint32_t INTRO_LEFT_MS = 20000;  // a game without Return ends be
 
 // How long play lasts: so many frames, and at most so many milliseconds.
 constexpr std::uint32_t FEWEST_FRAMES = 150;
-constexpr std::uint32_t MOST_FRAMES = 1400;
+constexpr std::uint32_t MOST_FRAMES = 1000;
 constexpr std::uint32_t LONGEST_MS = 400000;
 // Where frames are short, the fight comes up in longer ones.
 constexpr std::uint32_t SHORT_MS = 20;
@@ -160,6 +160,13 @@ constexpr Style STYLES[] = {
     {"rockets only",         TAPPING,   TAPPING,   SELDOM,    NEVER,   NEVER,     FIRING},
     {"lasers only",          SELDOM,    SELDOM,    NEVER,     NEVER,   FIRING,    NEVER},
 };
+
+// Behind the enemies nothing hits the player, so these games are not over before their time.
+constexpr Style LONG_STYLES[] = {
+    {"behind the enemies",   TAPPING,   TAPPING,   CLUTCHING, NEVER,   FIRING,    SELDOM},
+    {"along the top",        HOLDING,   HOLDING,   CLUTCHING, NEVER,   SELDOM,    FIRING},
+    {"dodging at the top",   DODGING,   DODGING,   CLUTCHING, NEVER,   NEVER,     SELDOM},
+};
 // clang-format on
 
 // Keys that mean nothing to the game, or nothing in play.
@@ -210,7 +217,7 @@ public:
         options = &dice.oneOf(OPTIONS);
         startMs = dice.oneOf(STARTS_MS);
         intro = &dice.oneOf(INTRO_PACES);
-        style = &dice.oneOf(STYLES);
+        style = isLong() ? &dice.oneOf(LONG_STYLES) : &dice.oneOf(STYLES);
         pressReturn();
         choosePlay();
         addFrames();
