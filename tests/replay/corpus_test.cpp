@@ -442,7 +442,8 @@ TEST_F(CorpusToolTest, AGameThatShowsNothingOrCrashesIsFound) {
     const std::string crash = folder.path + "/crash";
     writeBytes(crash, "#!/bin/sh\nkill -SEGV $$\n");
     fs::permissions(crash, fs::perms::owner_all);
-    expectResult(run({"check", "--game", crash}), 2, "the game crashed in frame 0");
+    expectResult(run({"check", "--game", crash}), 2,
+                 "the game crashed in its first second: Segmentation fault");
     expectResult(run({"check", "--game", "/nowhere"}), 2, "is no program that can be run");
     expectResult(run({"check", "--data", "/nowhere"}), 2, "is no folder");
 }

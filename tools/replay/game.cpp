@@ -210,7 +210,11 @@ front::Recording playAgain(const Place& place, const std::string& path,
     front::Recording again;
     std::string error;
     if (!front::readRecording(run.recordTo, again, error)) {
-        throw Trouble(path + ": the game was not written down: " + error);
+        // What a crash leaves of its first second is nothing.
+        throw Trouble(path + (result.signal != 0 ? std::string(": the game crashed in its first "
+                                                               "second: ") +
+                                                       strsignal(result.signal)
+                                                 : ": the game was not written down: " + error));
     }
     if (result.signal != 0) {
         throw Trouble(path + ": the game crashed in frame " +
