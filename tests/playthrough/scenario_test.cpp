@@ -11,6 +11,7 @@
 
 namespace {
 
+using front::Expectation;
 using front::Scenario;
 using front::When;
 
@@ -80,6 +81,54 @@ TEST(ScenarioFile, EveryKeyIsReadByTheWordThatItIsWrittenWith) {
     EXPECT_EQ(front::keyWord(SDLK_F1), "key-282");
 }
 
+TEST(ScenarioFile, WhatMustComeIsCountedInTheWholeGameOrInFrames) {
+    const Scenario scenario = read("expect 2 text \"a \\\"b\\\"\\n\"\n"
+                                   "expect no call \"SDL_\" in frames 3 7\n"
+                                   "expect 0..9 pixels 00ff10 in 1 2 3 4 at 5\n"
+                                   "expect frames 3+\nexpect status 1\n");
+    const std::vector<Expectation>& all = scenario.expectations;
+    ASSERT_EQ(all.size(), 5U);
+    EXPECT_EQ(all[0].kind, Expectation::TEXT);
+    EXPECT_EQ(all[0].text, "a \"b\"\n");
+    EXPECT_EQ(all[0].least, 2U);
+    EXPECT_EQ(all[0].most, 2U);
+    EXPECT_EQ(all[0].lastFrame, ~0U);
+    EXPECT_EQ(all[1].kind, Expectation::CALL);
+    EXPECT_EQ(all[1].most, 0U);
+    EXPECT_EQ(all[1].firstFrame, 3U);
+    EXPECT_EQ(all[1].lastFrame, 7U);
+    EXPECT_EQ(all[1].line, 2);
+    EXPECT_EQ(all[2].kind, Expectation::PIXELS);
+    EXPECT_EQ(all[2].most, 9U);
+    EXPECT_EQ(all[2].colour, 0x00ff10U);
+    EXPECT_EQ(all[2].box.h, 4);
+    EXPECT_EQ(all[2].firstFrame, 5U);
+    EXPECT_EQ(all[3].kind, Expectation::FRAMES);
+    EXPECT_EQ(all[3].most, ~0U);
+    EXPECT_EQ(all[4].kind, Expectation::STATUS);
+}
+
+TEST(ScenarioFile, ADrawingIsToldByItsPictureAndIfWantedByItsPartAndPlace) {
+    const Scenario scenario = read("expect 1 drawn \"ships/ship01.png\"\n"
+                                   "expect 1+ drawn \"a.png\" part 8 0 at 10 20 in frames 3 7\n"
+                                   "expect no drawn \"a.png\" at 10 20\n");
+    const std::vector<Expectation>& all = scenario.expectations;
+    ASSERT_EQ(all.size(), 3U);
+    EXPECT_EQ(all[0].kind, Expectation::DRAWN);
+    EXPECT_EQ(all[0].text, "ships/ship01.png");
+    EXPECT_FALSE(all[0].part);
+    EXPECT_FALSE(all[0].place);
+    ASSERT_TRUE(all[1].part);
+    EXPECT_EQ(all[1].part->x, 8U);
+    EXPECT_EQ(all[1].part->y, 0U);
+    ASSERT_TRUE(all[1].place);
+    EXPECT_EQ(all[1].place->x, 10U);
+    EXPECT_EQ(all[1].place->y, 20U);
+    EXPECT_EQ(all[1].lastFrame, 7U);
+    EXPECT_FALSE(all[2].part);
+    EXPECT_TRUE(all[2].place);
+}
+
 struct WrongCase {
     const char* text;
     const char* error;
@@ -112,6 +161,13 @@ TEST(ScenarioFile, AWrongLineIsNamedByFileAndNumber) {
         {"fail", "a.scenario:1: the function that fails is missing"},
         {"fail SDL_Init", "a.scenario:1: which call fails is missing"},
         {"fail SDL_Init 0 x", "a.scenario:1: calls are counted from 1"},
+        {"expect 1 drawn ship", "a.scenario:1: the picture is missing: its file stands in quotes"},
+        {"expect 1 drawn \"a\" part 3", "a.scenario:1: behind \"part\" stand X and Y"},
+        {"expect 1 drawn \"a\" at 3 x", "a.scenario:1: behind \"at\" stand X and Y"},
+        {"expect 1 drawn \"a\" at 3 4 part 5 6",
+         "a.scenario:1: here stands \"in frames FIRST LAST\", or nothing"},
+        {"expect 1 seen \"a\"",
+         "a.scenario:1: \"seen\" is unknown: what is counted is text, call, drawn or pixels"},
         {"frame 9 quit\nframe 8 quit", "a.scenario:2: 8 comes after 9: lines stand in the order in "
                                        "which they happen"},
         {"ms 90 quit\nframe 8 quit\nms 89 quit", "a.scenario:3: 89 comes after 90: lines stand in "

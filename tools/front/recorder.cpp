@@ -3,6 +3,7 @@
 
 #include "front/picture.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
@@ -27,6 +28,13 @@ std::string formatted(const char* format, unsigned long long value) {
 std::string boxWords(const SDL_Rect& box) {
     return std::to_string(box.x) + ' ' + std::to_string(box.y) + ' ' + std::to_string(box.w) + ' ' +
            std::to_string(box.h);
+}
+
+// A corner beyond the left or upper edge is told as one at the edge, like the lack of a rectangle.
+std::string cornerWords(const SDL_Rect* rect) {
+    const int x = rect == nullptr ? 0 : std::max<int>(rect->x, 0);
+    const int y = rect == nullptr ? 0 : std::max<int>(rect->y, 0);
+    return ' ' + std::to_string(x) + ' ' + std::to_string(y);
 }
 
 }  // namespace
@@ -88,6 +96,15 @@ void Recorder::hud(Uint32 energy, Uint32 lasers, Uint32 rockets) {
 void Recorder::pixels(const SDL_Rect& box, Uint32 colour, Uint32 count) {
     lines += "pixels " + std::to_string(frames + 1) + formatted(" %06llx ", colour) +
              boxWords(box) + ' ' + std::to_string(count) + '\n';
+}
+
+void Recorder::otherCall(Uint32 clockMs, const std::string& call) {
+    lines += "other " + std::to_string(frames) + ' ' + std::to_string(clockMs) + ' ' + call + '\n';
+}
+
+void Recorder::drawing(const std::string& file, const SDL_Rect* part, const SDL_Rect* place) {
+    lines += "drawn " + std::to_string(frames + 1) + ' ' + quoted(file) + cornerWords(part) +
+             cornerWords(place) + '\n';
 }
 
 void Recorder::end(Uint32 clockMs, Uint32 status) {

@@ -33,7 +33,10 @@ public:
     // Before the first frame the clock counts from the game's start, then from 0.
     void call(Uint32 clockMs, const std::string& call);
     void hud(Uint32 energy, Uint32 lasers, Uint32 rockets);
+    // What a scenario asks for; a replay is not compared by it.
     void pixels(const SDL_Rect& box, Uint32 colour, Uint32 count);
+    void otherCall(Uint32 clockMs, const std::string& call);
+    void drawing(const std::string& file, const SDL_Rect* part, const SDL_Rect* place);
 
     // The game is over; nothing may follow.
     void end(Uint32 clockMs, Uint32 status);

@@ -135,6 +135,8 @@ private:
             {"pictures", &RecordingReader::readPictures},
             {"digest", &RecordingReader::readDigest},
             {"pixels", &RecordingReader::readPixels},
+            {"other", &RecordingReader::readOtherCall},
+            {"drawn", &RecordingReader::readDrawn},
             {"end", &RecordingReader::readEnd}};
         const auto found = STATEMENTS.find(word);
         return found == STATEMENTS.end() ? "\"" + word + "\" is no statement of a recording"
@@ -177,13 +179,17 @@ private:
         return "";
     }
 
-    std::string readCall(Words& words) {
+    std::string readCall(Words& words) { return readCall(words, seen.calls); }
+
+    std::string readOtherCall(Words& words) { return readCall(words, seen.otherCalls); }
+
+    static std::string readCall(Words& words, std::vector<LibraryCall>& calls) {
         LibraryCall call;
         if (!words.nextNumber(call.frame) || !words.nextNumber(call.clockMs) ||
             (call.call = words.rest()).empty()) {
             return "a call is told by its frame, the clock and the call";
         }
-        seen.calls.push_back(call);
+        calls.push_back(call);
         return "";
     }
 
@@ -252,6 +258,17 @@ private:
         pixels.box = {static_cast<Sint16>(box[0]), static_cast<Sint16>(box[1]),
                       static_cast<Uint16>(box[2]), static_cast<Uint16>(box[3])};
         seen.pixels.push_back(pixels);
+        return "";
+    }
+
+    std::string readDrawn(Words& words) {
+        Drawing drawing = {};
+        if (!words.nextNumber(drawing.frame) || !words.nextQuoted(drawing.file) ||
+            !words.nextNumber(drawing.part.x) || !words.nextNumber(drawing.part.y) ||
+            !words.nextNumber(drawing.place.x) || !words.nextNumber(drawing.place.y)) {
+            return "a drawing is told by its frame, file, part and place";
+        }
+        seen.drawings.push_back(drawing);
         return "";
     }
 

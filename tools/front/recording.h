@@ -54,6 +54,13 @@ struct PixelCount {
     Uint32 count;
 };
 
+// A picture, or a part of it from this corner on, that was drawn with its corner at this place.
+struct Drawing {
+    Uint32 frame;  // the one that shows it
+    std::string file;
+    Corner part, place;
+};
+
 struct LoadedFile {
     std::string file;
     Uint64 hash;
@@ -68,6 +75,8 @@ struct Seen {
     std::vector<PictureCheck> checks;  // of frame 1, 2, ...
     std::vector<PictureDigest> digests;
     std::vector<PixelCount> pixels;
+    std::vector<LibraryCall> otherCalls;  // not of the mixer, and not compared
+    std::vector<Drawing> drawings;
     // The end; without one the game was killed, or the file is not whole.
     bool ended = false;
     Uint32 frames = 0;

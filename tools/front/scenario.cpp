@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <iterator>
 #include <limits>
+#include <utility>
 
 namespace front {
 namespace {
@@ -405,11 +406,15 @@ std::string ScenarioReader::readCounted(Expectation& wanted, Words& words) {
         }
         return readFrames(wanted, words);
     }
+    if (word == "drawn") {
+        wanted.kind = Expectation::DRAWN;
+        return readDrawn(wanted, words);
+    }
     if (word == "pixels") {
         wanted.kind = Expectation::PIXELS;
         return readPixels(wanted, words);
     }
-    return "\"" + word + "\" is unknown: what is counted is text, call or pixels";
+    return "\"" + word + "\" is unknown: what is counted is text, call, drawn or pixels";
 }
 
 // in frames FIRST LAST, or nothing: the whole game
@@ -422,6 +427,25 @@ std::string ScenarioReader::readFrames(Expectation& wanted, Words& words) {
         return "here stands \"in frames FIRST LAST\", or nothing";
     }
     return "";
+}
+
+// "FILE" part X Y at X Y in frames FIRST LAST, where all behind the file may be left out
+std::string ScenarioReader::readDrawn(Expectation& wanted, Words& words) {
+    if (!words.nextQuoted(wanted.text) || wanted.text.empty()) {
+        return "the picture is missing: its file stands in quotes";
+    }
+    for (const auto& [word, corner] :
+         {std::pair("part", &wanted.part), std::pair("at", &wanted.place)}) {
+        if (words.peek() != word) {
+            continue;
+        }
+        words.next();
+        Corner& told = corner->emplace();
+        if (!words.nextNumber(told.x) || !words.nextNumber(told.y)) {
+            return std::string("behind \"") + word + "\" stand X and Y";
+        }
+    }
+    return readFrames(wanted, words);
 }
 
 // RRGGBB in X Y WIDTH HEIGHT at FRAME

@@ -5,6 +5,7 @@
 #include <SDL.h>
 
 #include <istream>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -54,15 +55,22 @@ struct Failure {
     std::string text;
 };
 
-// What must come of the game: so many texts, calls or pixels, or the figure itself.
+// A corner in pixels, of a part of a picture or on the screen.
+struct Corner {
+    Uint32 x = 0, y = 0;
+};
+
+// What must come of the game: so many texts, calls, drawings or pixels, or the figure itself.
 struct Expectation {
-    enum Kind { TEXT, CALL, PIXELS, STATUS, FRAMES };
+    enum Kind { TEXT, CALL, DRAWN, PIXELS, STATUS, FRAMES };
     Kind kind = TEXT;
     int line = 0;  // of the scenario, for whoever looks for it
     Uint32 least = 0, most = 0;
-    std::string text;  // TEXT: part of what is printed; CALL: its beginning
+    std::string text;  // TEXT: part of what is printed; CALL: its beginning; DRAWN: the file
     Uint32 firstFrame = 0,
-           lastFrame = ~0U;       // TEXT, CALL: what is counted; PIXELS: the frame, twice
+           lastFrame = ~0U;       // TEXT, CALL, DRAWN: what is counted; PIXELS: the frame, twice
+    std::optional<Corner> part;   // DRAWN: of the picture; else any part counts
+    std::optional<Corner> place;  // DRAWN: on the screen; else any place counts
     Uint32 colour = 0;            // PIXELS: 0xrrggbb
     SDL_Rect box = {0, 0, 0, 0};  // PIXELS: in screen pixels
 };
@@ -135,6 +143,7 @@ private:
     std::string readCount(Expectation& wanted, Words& words);
     std::string readCounted(Expectation& wanted, Words& words);
     std::string readFrames(Expectation& wanted, Words& words);
+    std::string readDrawn(Expectation& wanted, Words& words);
     std::string readPixels(Expectation& wanted, Words& words);
 
     Scenario& scenario;

@@ -71,6 +71,10 @@ const Entry* nextDue(const std::vector<Entry>& list, size_t& next, Uint32 frame,
     return &list[next++];
 }
 
+bool isOfMixer(const std::string& function) {
+    return function.compare(0, 4, "Mix_") == 0;
+}
+
 // Sets a decimal digit of a number: place 100, 10 or 1.
 Uint32 withDigit(Uint32 number, Uint32 place, Uint32 digit) {
     return number - number / place % 10 * place + digit * place;
@@ -131,6 +135,21 @@ void Session::stop(int status, const std::string& message) {
 
 void Session::note(const std::string& line) {
     log.write(clockMs, line);
+    recordWantedCall(line);
+}
+
+// Calls of the mixer are recorded in any case.
+void Session::recordWantedCall(const std::string& line) {
+    if (!recorder.isOpen() || isOfMixer(line)) {
+        return;
+    }
+    for (const Expectation& wanted : options.script.given.expectations) {
+        if (wanted.kind == Expectation::CALL &&
+            line.compare(0, wanted.text.size(), wanted.text) == 0) {
+            recorder.otherCall(clockMs, line);
+            return;
+        }
+    }
 }
 
 // The mixer's calls are one of the three things that a replay is compared by. A call that failed is
@@ -445,6 +464,7 @@ void Session::notePictures() {
                                SDL_Rect* place) {
         log.countDrawing(from);
         noteBlit(from, part, place);
+        recordWantedDrawing(from, part, place);
         return real::SDL_UpperBlit(from, part, to, place);
     };
 }
@@ -474,6 +494,20 @@ void Session::noteBlit(const SDL_Surface* from, const SDL_Rect* part, const SDL_
             Uint32& number = place->y == LASERS_Y ? hud.lasers : hud.rockets;
             number =
                 withDigit(number, PLACES[digit], static_cast<Uint32>(part->x / SMALL_DIGIT_PX));
+        }
+    }
+}
+
+void Session::recordWantedDrawing(const SDL_Surface* from, const SDL_Rect* part,
+                                  const SDL_Rect* place) {
+    if (!recorder.isOpen()) {
+        return;
+    }
+    for (const Expectation& wanted : options.script.given.expectations) {
+        const bool isNow = wanted.firstFrame <= frame + 1 && frame + 1 <= wanted.lastFrame;
+        if (wanted.kind == Expectation::DRAWN && isNow && wanted.text == log.nameOf(from)) {
+            recorder.drawing(wanted.text, part, place);
+            return;
         }
     }
 }
@@ -540,7 +574,7 @@ void Session::noteFailure(const char* function, Uint32 call) {
     if (!recorder.isOpen()) {
         return;
     }
-    if (std::strncmp(function, "Mix_", 4) == 0) {
+    if (isOfMixer(function)) {
         recordCall(text("%s fails", function));
     }
     if (isStart && frame == 0 && !options.scripted && !isSilence) {

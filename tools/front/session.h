@@ -68,7 +68,9 @@ private:
     void noteMixer(const std::string& line, bool succeeded = true);
     void noteFile(const char* file);
     void recordCall(const std::string& line);
+    void recordWantedCall(const std::string& line);
     void noteBlit(const SDL_Surface* from, const SDL_Rect* part, const SDL_Rect* place);
+    void recordWantedDrawing(const SDL_Surface* from, const SDL_Rect* part, const SDL_Rect* place);
 
     int flip(SDL_Surface* shown);
     int flipScripted(SDL_Surface* shown);

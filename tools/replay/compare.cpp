@@ -180,11 +180,23 @@ size_t countText(const Expectation& wanted, const Seen& seen) {
     return count;
 }
 
-size_t countCalls(const Expectation& wanted, const Seen& seen) {
+size_t countCalls(const Expectation& wanted, const std::vector<front::LibraryCall>& calls) {
     return static_cast<size_t>(
-        std::count_if(seen.calls.begin(), seen.calls.end(), [&](const front::LibraryCall& call) {
+        std::count_if(calls.begin(), calls.end(), [&](const front::LibraryCall& call) {
             return isWithin(wanted, call.frame) &&
                    call.call.compare(0, wanted.text.size(), wanted.text) == 0;
+        }));
+}
+
+bool isAt(const std::optional<front::Corner>& wanted, const front::Corner& corner) {
+    return !wanted || (wanted->x == corner.x && wanted->y == corner.y);
+}
+
+size_t countDrawings(const Expectation& wanted, const Seen& seen) {
+    return static_cast<size_t>(std::count_if(
+        seen.drawings.begin(), seen.drawings.end(), [&](const front::Drawing& drawing) {
+            return isWithin(wanted, drawing.frame) && drawing.file == wanted.text &&
+                   isAt(wanted.part, drawing.part) && isAt(wanted.place, drawing.place);
         }));
 }
 
@@ -220,12 +232,19 @@ std::string framesWords(const Expectation& wanted) {
            std::to_string(wanted.lastFrame);
 }
 
+std::string cornerWords(const char* word, const std::optional<front::Corner>& corner) {
+    return corner ? word + std::to_string(corner->x) + ',' + std::to_string(corner->y) : "";
+}
+
 std::string subject(const Expectation& wanted) {
     switch (wanted.kind) {
     case Expectation::TEXT:
         return " times the text " + front::quoted(wanted.text) + framesWords(wanted);
     case Expectation::CALL:
         return " calls " + front::quoted(wanted.text) + framesWords(wanted);
+    case Expectation::DRAWN:
+        return " drawings of " + front::quoted(wanted.text) + cornerWords(" from ", wanted.part) +
+               cornerWords(" at ", wanted.place) + framesWords(wanted);
     case Expectation::PIXELS:
         return " pixels " + hex(wanted.colour, 6) + " in frame " +
                std::to_string(wanted.firstFrame);
@@ -242,7 +261,9 @@ std::optional<size_t> figureOf(const Expectation& wanted, const Seen& seen) {
     case Expectation::TEXT:
         return countText(wanted, seen);
     case Expectation::CALL:
-        return countCalls(wanted, seen);
+        return countCalls(wanted, seen.calls) + countCalls(wanted, seen.otherCalls);
+    case Expectation::DRAWN:
+        return countDrawings(wanted, seen);
     case Expectation::PIXELS:
         return countPixels(wanted, seen);
     case Expectation::STATUS:
