@@ -40,7 +40,9 @@ TEST(Moments, AGameThatIsWonShowsAllSixInTheirOrder) {
     play(recording, 100, "keyboard");
     play(recording, 200, "intro");
     play(recording, 500, "explode");
+    play(recording, 510, "miniExplode1");
     play(recording, 550, "miniExplode1");
+    play(recording, 599, "miniExplode1");
     play(recording, 600, "explode");
     play(recording, 650, "explode");
     play(recording, 800, "explode");
@@ -58,6 +60,13 @@ TEST(Moments, AGameThatIsLostEndsWithThePlayersExplosion) {
     play(recording, 700, "explode2");
     recording.seen.texts = {{700, "FlyingObject->explode()\n"}, {740, "\nGood Bye World!\n"}};
     EXPECT_EQ(wordsOf(replay::momentsOf(recording)), "title 99 countdown 300 lost 735 ");
+}
+
+TEST(Moments, WithoutAFireballTheFirstHitIsShown) {
+    front::Recording recording = game();
+    play(recording, 510, "miniExplode1");
+    play(recording, 550, "miniExplode1");
+    EXPECT_EQ(wordsOf(replay::momentsOf(recording)), "laser-hit 513 ");
 }
 
 TEST(Moments, AGameThatIsLeftAtOnceHasNone) {

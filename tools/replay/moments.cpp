@@ -69,6 +69,22 @@ Uint32 closest(const Clocks& times) {
     return times[best];
 }
 
+// The one that comes soonest in the light of a fireball; else the first.
+Uint32 litHit(const Clocks& hits, const Clocks& explosions) {
+    Uint32 best = hits.front();
+    Uint32 bestAge = ~0U;
+    for (const Uint32 hit : hits) {
+        for (const Uint32 explosion : explosions) {
+            const Uint32 age = hit - explosion;
+            if (hit >= explosion + FIREBALL_MS && age < bestAge) {
+                best = hit;
+                bestAge = age;
+            }
+        }
+    }
+    return best;
+}
+
 class Chooser {
 public:
     explicit Chooser(const front::Recording& recording) : clocks(shownAt(recording)) {}
@@ -107,7 +123,7 @@ std::vector<Moment> momentsOf(const front::Recording& recording) {
         chooser.add("explosion", closest(explosions) + FIREBALL_MS);
     }
     if (!hits.empty()) {
-        chooser.add("laser-hit", hits.front() + FLASH_MS);
+        chooser.add("laser-hit", litHit(hits, explosions) + FLASH_MS);
     }
     const Outcome outcome = summaryOf(recording).outcome;
     if (outcome == Outcome::WON && !explosions.empty()) {
