@@ -71,6 +71,17 @@ protected:
     const replay::TemporaryFolder folder;
 };
 
+TEST_F(VerifyTest, PicturesThatAScenarioKeepsLieWhereTheToolWasCalled) {
+    const std::string scenario =
+        written("kept.scenario", "frame 3 picture third.bmp\nframe 4 quit\nexpect status 0\n");
+    const fs::path before = fs::current_path();
+    fs::current_path(folder.path);
+    const ToolResult result = verify({scenario});
+    fs::current_path(before);
+    expectVerdict(result, 0, "as expected");
+    EXPECT_TRUE(fs::exists(path("third.bmp")));
+}
+
 TEST_F(VerifyTest, ARecordingIsTheSameGameAndItsFiguresAreTold) {
     const ToolResult result = verify({recorded()});
     expectVerdict(result, 0, path("game.kvx") + ": the same game: 260 pictures, ");

@@ -67,7 +67,7 @@ void setEnvironment(const Place& place, const GameRun& run) {
     setVariable("KRAVOLTIX_FILM", run.filmTo >= 0 ? std::to_string(run.filmTo) : "");
     setVariable("KRAVOLTIX_FILM_RATE", std::to_string(run.filmRate));
     setVariable("KRAVOLTIX_CALLS", "");
-    setVariable("KRAVOLTIX_PICTURES", "");
+    setVariable("KRAVOLTIX_PICTURES", fs::current_path().string());
     // A game built with the address sanitizer refuses libraries in front of its own.
     const char* sanitizer = std::getenv("ASAN_OPTIONS");
     setVariable("ASAN_OPTIONS", (sanitizer == nullptr ? "" : std::string(sanitizer) + ":") +
