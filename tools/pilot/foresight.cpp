@@ -108,7 +108,7 @@ void Foresight::flyEnemies(const BattleField& field) {
     FormationSevenBird formation = *field.formation;
     formation.ships = members;
     for (Uint32 ms = 0; ms <= hand + TRACK_MS; ms += STEP_MS) {
-        for (int i = 0; i < BattleField::ENEMIES; ++i) {
+        for (size_t i = 0; i < ghosts.size(); ++i) {
             tracks[i].push_back({ghosts[i].xFloat, ghosts[i].yFloat});
             if (members[i] != nullptr) {
                 members[i]->control();
