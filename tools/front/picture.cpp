@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "front/picture.h"
 
-#define XXH_INLINE_ALL
+#define XXH_STATIC_LINKING_ONLY  // a state that lives on the stack
+#ifdef __x86_64__
+#include <xxh_x86dispatch.h>  // the same hashes, by the widest registers that the machine has
+#else
 #include <xxhash.h>
+#endif
 
 #include <algorithm>
 #include <cstdio>
@@ -19,18 +23,37 @@ bool isPlain(const SDL_PixelFormat& format) {
     return format.Rmask == 0xff0000 && format.Gmask == 0xff00 && format.Bmask == 0xff;
 }
 
+[[gnu::always_inline]] inline void keepColourBits(const Uint32* pixels, int width,
+                                                  Uint32* colours) {
+    for (int x = 0; x < width; ++x) {
+        colours[x] = pixels[x] & COLOUR_BITS;
+    }
+}
+
+void readPlainRow(const Uint32* pixels, int width, Uint32* colours) {
+    keepColourBits(pixels, width, colours);
+}
+
+#ifdef __x86_64__
+__attribute__((target("avx2"))) void readPlainRowWide(const Uint32* pixels, int width,
+                                                      Uint32* colours) {
+    keepColourBits(pixels, width, colours);
+}
+
+const auto readPlain = __builtin_cpu_supports("avx2") ? readPlainRowWide : readPlainRow;
+#else
+constexpr auto readPlain = readPlainRow;
+#endif
+
 // One row as 0x00rrggbb.
 void readRow(const SDL_Surface* screen, int y, Uint32* colours) {
     const Uint32* pixels = reinterpret_cast<const Uint32*>(
         static_cast<const Uint8*>(screen->pixels) + static_cast<ptrdiff_t>(y) * screen->pitch);
-    const int width = screen->w;  // a local: the compiler then knows that no pixel changes it
     if (isPlain(*screen->format)) {
-        for (int x = 0; x < width; ++x) {
-            colours[x] = pixels[x] & COLOUR_BITS;
-        }
+        readPlain(pixels, screen->w, colours);
         return;
     }
-    for (int x = 0; x < width; ++x) {
+    for (int x = 0; x < screen->w; ++x) {
         Uint8 red, green, blue;
         SDL_GetRGB(pixels[x], screen->format, &red, &green, &blue);
         colours[x] = static_cast<Uint32>(red << 16 | green << 8 | blue);

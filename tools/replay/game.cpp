@@ -55,6 +55,13 @@ std::string keptList(const std::vector<KeptFrame>& kept) {
     return list;
 }
 
+// The game fills 160 MB when it starts. In large pages that takes half the time of a short game.
+void askForLargePages() {
+    const char* tunables = std::getenv("GLIBC_TUNABLES");
+    setVariable("GLIBC_TUNABLES", (tunables == nullptr ? "" : std::string(tunables) + ":") +
+                                      "glibc.malloc.hugetlb=1");
+}
+
 void setEnvironment(const Place& place, const GameRun& run) {
     const std::string others =
         std::getenv("LD_PRELOAD") == nullptr ? "" : std::getenv("LD_PRELOAD");
@@ -75,6 +82,7 @@ void setEnvironment(const Place& place, const GameRun& run) {
     if (!run.seen) {
         setVariable("SDL_VIDEODRIVER", "dummy");
         setVariable("SDL_AUDIODRIVER", "dummy");
+        askForLargePages();
     }
 }
 
