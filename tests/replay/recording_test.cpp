@@ -205,6 +205,24 @@ TEST(Recording, ARecordingOfANewerFormatIsRefused) {
                           "reads format 1");
 }
 
+// Whoever plays on a full disk is told once and plays on.
+TEST(Recording, AFullDiskIsToldOnce) {
+    Recorder recorder;
+    ASSERT_TRUE(recorder.open("/dev/full"));
+    testing::internal::CaptureStderr();
+    for (Uint32 frame = 0; frame < 3; ++frame) {
+        recorder.frame(1, 1000);
+    }
+    recorder.end(3000, 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "front: the recording ends here, the game goes on: No space left on device\n");
+}
+
+TEST(Recording, AFormatOfZeroIsNoNewerOne) {
+    EXPECT_EQ(readBytes("kravoltix-replay 0\n").error,
+              "game:1: there is no format 0: the file is damaged");
+}
+
 TEST(Recording, AFormatWithoutANumberIsRefused) {
     EXPECT_EQ(readBytes("kravoltix-replay\n").error,
               "game:1: kravoltix-replay and its format stand on the first line only");

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "front/picture.h"
 
+#include "front/writeall.h"
+
 #define XXH_STATIC_LINKING_ONLY  // a state that lives on the stack
 #ifdef __x86_64__
 #include <xxh_x86dispatch.h>  // the same hashes, by the widest registers that the machine has
@@ -10,7 +12,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <unistd.h>
 #include <vector>
 
 namespace front {
@@ -58,19 +59,6 @@ void readRow(const SDL_Surface* screen, int y, Uint32* colours) {
         SDL_GetRGB(pixels[x], screen->format, &red, &green, &blue);
         colours[x] = static_cast<Uint32>(red << 16 | green << 8 | blue);
     }
-}
-
-bool writeAll(int descriptor, const void* from, size_t bytes) {
-    const char* at = static_cast<const char*>(from);
-    while (bytes > 0) {
-        const ssize_t written = write(descriptor, at, bytes);
-        if (written <= 0) {
-            return false;
-        }
-        at += written;
-        bytes -= static_cast<size_t>(written);
-    }
-    return true;
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "front/recorder.h"
 
 #include "front/picture.h"
+#include "front/writeall.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -163,9 +164,12 @@ void Recorder::writeBlock() {
         lines += "pictures " + checkWords() + '\n';
         lines += "digest " + std::to_string(frames) + formatted(" %016llx\n", pictureDigest);
     }
-    const std::string bytes = packed(lines);
-    if (!lines.empty() && write(descriptor, bytes.data(), bytes.size()) < 0) {
-        std::perror("front: the recording cannot be written");
+    if (!lines.empty() && isWhole) {
+        const std::string bytes = packed(lines);
+        isWhole = writeAll(descriptor, bytes.data(), bytes.size());
+        if (!isWhole) {
+            std::perror("front: the recording ends here, the game goes on");
+        }
     }
     lines.clear();
     runs.clear();

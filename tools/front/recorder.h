@@ -53,7 +53,8 @@ private:
     std::string checkWords() const;
 
     int descriptor = -1;
-    Uint32 frames = 0;  // shown so far
+    bool isWhole = true;  // until a block does not fit on the disk; then none follows
+    Uint32 frames = 0;    // shown so far
     Uint64 pictureDigest = 0;
 
     std::vector<LibraryCall> early;  // before the first frame

@@ -148,6 +148,9 @@ private:
         if (!isFirst || !words.nextNumber(format)) {
             return std::string(RECORDING_WORD) + " and its format stand on the first line only";
         }
+        if (format == 0) {
+            return "there is no format 0: the file is damaged";
+        }
         if (format != RECORDING_FORMAT) {
             return "made by a newer version: this is format " + std::to_string(format) +
                    ", and this program reads format " + std::to_string(RECORDING_FORMAT);

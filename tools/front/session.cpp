@@ -238,10 +238,7 @@ int Session::flipScripted(SDL_Surface* shown) {
     if (options.speed <= 0) {
         return real::SDL_Flip(shown);
     }
-    const Uint64 due =
-        watchStartMs +
-        static_cast<Uint64>(static_cast<double>(clockMs - firstFrameMs) / options.speed);
-    const int result = realMs() < due + LATE_MS ? real::SDL_Flip(shown) : 0;
+    const int result = realMs() < realDueMs() + LATE_MS ? real::SDL_Flip(shown) : 0;
     waitForMoment();
     return result;
 }
@@ -342,11 +339,14 @@ void Session::showFramesUntil(Uint32 untilMs, const SDL_Surface* shown) {
     }
 }
 
-// Holds a watched game until the real clock has come as far as the game's.
+// When the real clock has come as far as a watched game's.
+Uint64 Session::realDueMs() const {
+    return watchStartMs +
+           static_cast<Uint64>(static_cast<double>(clockMs - firstFrameMs) / options.speed);
+}
+
 void Session::waitForMoment() {
-    const Uint64 due =
-        watchStartMs +
-        static_cast<Uint64>(static_cast<double>(clockMs - firstFrameMs) / options.speed);
+    const Uint64 due = realDueMs();
     const Uint64 now = realMs();
     if (now < due) {
         real::SDL_Delay(static_cast<Uint32>(due - now));

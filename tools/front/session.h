@@ -80,6 +80,7 @@ private:
     void keepPictures(SDL_Surface* shown);
     void countWantedPixels(const SDL_Surface* shown);
     void showFramesUntil(Uint32 untilMs, const SDL_Surface* shown);
+    Uint64 realDueMs() const;
     void waitForMoment();
     void delay(Uint32 ms);
     Uint32 nextFrameMs();
