@@ -20,7 +20,7 @@ public:
 
     void write(Uint32 clockMs, const std::string& line);
 
-    void countCall(const std::string& function);
+    void countCall(const char* function);
     void countDrawing(const SDL_Surface* picture);
 
     // Pictures and sounds are called by the paths of their files. Null is "none", an unknown one "unnamed".

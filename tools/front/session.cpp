@@ -556,7 +556,7 @@ void Session::noteSounds() {
 
 // Failures and counts: one layer around every function, hooked or not.
 
-const Failure* Session::failureOf(const std::string& function, Uint32 call) const {
+const Failure* Session::failureOf(const char* function, Uint32 call) const {
     for (const Failure& failure : options.script.given.failures) {
         if (failure.call == call && failure.function == function) {
             return &failure;

@@ -61,7 +61,7 @@ private:
     template <typename Result, typename... Arguments>
     void wrap(const char* name, std::function<Result(Arguments...)>& hook,
               Result (*realFunction)(Arguments...));
-    const Failure* failureOf(const std::string& function, Uint32 call) const;
+    const Failure* failureOf(const char* function, Uint32 call) const;
     void noteFailure(const char* function, Uint32 call);
 
     void note(const std::string& line);
