@@ -69,21 +69,15 @@ SDL_Surface* QELGraphic::getBMP(SDL_Surface* screen, const char* file, SDL_Color
 void QELGraphic::putPixel(SDL_Surface* surface, int x, int y, Uint8 r, Uint8 g, Uint8 b) {
     const Uint32 pixel = SDL_MapRGB(surface->format, r, g, b);
     const int rowStart = y * surface->pitch;
-    switch (surface->format->BytesPerPixel) {
-    case 1:
-        static_cast<Uint8*>(surface->pixels)[rowStart + x] = static_cast<Uint8>(pixel);
-        break;
-    case 2:
-        static_cast<Uint16*>(surface->pixels)[rowStart / 2 + x] = static_cast<Uint16>(pixel);
-        break;
-    case 3:
-        // Three-byte pixels are addressed and written like four-byte ones: the picture comes out
-        // stretched, so the game asks for 32 bits.
-    case 4:
+    const int bytes = surface->format->BytesPerPixel;
+    // The game's own depth is asked for first. Three-byte pixels are addressed and written like
+    // four-byte ones: the picture comes out stretched, so the game asks for 32 bits.
+    if (bytes == 4 || bytes == 3) {
         static_cast<Uint32*>(surface->pixels)[rowStart / 4 + x] = pixel;
-        break;
-    default:
-        break;
+    } else if (bytes == 2) {
+        static_cast<Uint16*>(surface->pixels)[rowStart / 2 + x] = static_cast<Uint16>(pixel);
+    } else if (bytes == 1) {
+        static_cast<Uint8*>(surface->pixels)[rowStart + x] = static_cast<Uint8>(pixel);
     }
 }
 

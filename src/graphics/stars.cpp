@@ -30,6 +30,36 @@ Uint8 brightnessAt(float x, float y) {
     return static_cast<Uint8>(column + row % 105 + 150);
 }
 
+void fall(Stars& stars) {
+    const long double elapsedMs = static_cast<long double>(stars.ticks);
+    const float bottom = static_cast<float>(stars.height);
+    float* const y = stars.y;
+    const float* const speed = stars.speed;
+    for (int i = 0; i < stars.number; ++i) {
+        // Extended precision until the float is stored; the stored value decides the wrap.
+        y[i] = static_cast<float>(y[i] + elapsedMs * speed[i]);
+        // After a stall a star starts at the top edge again, however far it would have fallen.
+        if (!(y[i] < bottom)) {
+            float& x = stars.x[i];
+            y[i] = 0;
+            x = static_cast<float>((static_cast<int>(x) + SHIFT_ON_RETURN_PX) % stars.width);
+        }
+    }
+}
+
+// The lists are looked up once: for all the compiler knows a pixel might lie on them.
+void draw(const Stars& stars) {
+    SDL_Surface* const screen = stars.screen;
+    const float* const x = stars.x;
+    const float* const y = stars.y;
+    const Uint8* const brightness = stars.brightness;
+    const int number = stars.number;
+    for (int i = 0; i < number; ++i) {
+        QELGraphic::putPixel(screen, static_cast<int>(x[i]), static_cast<int>(y[i]), brightness[i],
+                             brightness[i], brightness[i]);
+    }
+}
+
 }  // namespace
 
 Stars::Stars(SDL_Surface* surface, int fieldWidth, int fieldHeight, int starCount)
@@ -68,19 +98,10 @@ void Stars::show(unsigned int elapsedMs, int direction) {
         std::fprintf(stderr, "Can't lock screen: %s\n", SDL_GetError());
         return;
     }
-    for (int i = 0; i < number; ++i) {
-        if (direction == DIRECTION_DOWN) {
-            // Extended precision until the float is stored; the stored value decides the wrap.
-            y[i] = static_cast<float>(y[i] + static_cast<long double>(ticks) * speed[i]);
-            // After a stall a star starts at the top edge again, however far it would have fallen.
-            if (!(y[i] < static_cast<float>(height))) {
-                y[i] = 0;
-                x[i] = static_cast<float>((static_cast<int>(x[i]) + SHIFT_ON_RETURN_PX) % width);
-            }
-        }
-        QELGraphic::putPixel(screen, static_cast<int>(x[i]), static_cast<int>(y[i]), brightness[i],
-                             brightness[i], brightness[i]);
+    if (direction == DIRECTION_DOWN) {
+        fall(*this);
     }
+    draw(*this);
     if (lockNeeded) {
         SDL_UnlockSurface(screen);
     }

@@ -178,9 +178,9 @@ void EnemyShip::fire(int slot) {
 }
 
 void EnemyShip::makeNextReady(int slot) {
-    const float y = shots[slot]->yFloat;
+    const float& y = shots[slot]->yFloat;
     if (slot < maxShot - 1) {
-        if (y > static_cast<float>(nextShotY[slot]) && !shotActive[slot + 1]) {
+        if (!shotActive[slot + 1] && y > static_cast<float>(nextShotY[slot])) {
             shotReady[slot + 1] = true;
         }
         return;

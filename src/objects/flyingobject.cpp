@@ -27,8 +27,8 @@ constexpr int EXPLOSION_OFFSET_PX = 22;  // left of and above the object
 constexpr Uint32 TIMER_RUNNING = 1;
 
 // Every step is computed in double precision and stored as float.
-void changeSpeed(float& speed, bool accelerate, float maxSpeed, float accel, double braking,
-                 Uint32 dt) {
+void changeSpeed(float& speed, bool accelerate, const float& maxSpeed, const float& accel,
+                 double braking, const Uint32& dt) {
     if (accelerate) {
         // The last step may overshoot the maximum; the speed just stops growing there.
         if (speed < maxSpeed) {
@@ -41,11 +41,13 @@ void changeSpeed(float& speed, bool accelerate, float maxSpeed, float accel, dou
     }
 }
 
-// `towards` is -1.0 for left and up, 1.0 for right and down.
-void travel(float& position, double towards, float speed, Uint32 dt, float scale) {
-    if (speed > 0) {
-        position = static_cast<float>(position + towards * speed * dt * scale);
+// `towards` is -1.0 for left and up, 1.0 for right and down. False when the position stays.
+bool travel(float& position, double towards, float speed, const Uint32& dt, const float& scale) {
+    if (!(speed > 0)) {
+        return false;
     }
+    position = static_cast<float>(position + towards * speed * dt * scale);
+    return true;
 }
 
 Sint16 screenCoordinate(float position) {
@@ -64,6 +66,41 @@ void placeOnAxis(int p, int size, Sint16& dest, Sint16& source, Uint16& extent) 
         source = static_cast<Sint16>(-p);
         extent = static_cast<Uint16>(size - p);
     }
+}
+
+void placeAcross(FlyingObject& object) {
+    placeOnAxis(screenCoordinate(object.xFloat), object.width, object.destRect.x,
+                object.sourceRect.x, object.sourceRect.w);
+}
+
+void placeUpright(FlyingObject& object) {
+    placeOnAxis(screenCoordinate(object.yFloat), object.height, object.destRect.y,
+                object.sourceRect.y, object.sourceRect.h);
+}
+
+// The steps of the four moves, without the picture. False when the position stays.
+
+bool stepLeft(FlyingObject& o, bool accelerate) {
+    changeSpeed(o.speedLeft, accelerate, o.maxSpeedLeft, o.accelLeft, BRAKING_HORIZONTAL,
+                o.frameDelay);
+    return travel(o.xFloat, -1.0, o.speedLeft, o.frameDelay, o.speedScale);
+}
+
+bool stepRight(FlyingObject& o, bool accelerate) {
+    changeSpeed(o.speedRight, accelerate, o.maxSpeedRight, o.accelRight, BRAKING_HORIZONTAL,
+                o.frameDelay);
+    return travel(o.xFloat, 1.0, o.speedRight, o.frameDelay, o.speedScale);
+}
+
+bool stepUp(FlyingObject& o, bool accelerate) {
+    changeSpeed(o.speedUp, accelerate, o.maxSpeedUp, o.accelUp, BRAKING_VERTICAL, o.frameDelay);
+    return travel(o.yFloat, -1.0, o.speedUp, o.frameDelay, o.speedScale);
+}
+
+bool stepDown(FlyingObject& o, bool accelerate) {
+    changeSpeed(o.speedDown, accelerate, o.maxSpeedDown, o.accelDown, BRAKING_VERTICAL,
+                o.frameDelay);
+    return travel(o.yFloat, 1.0, o.speedDown, o.frameDelay, o.speedScale);
 }
 
 }  // namespace
@@ -98,11 +135,18 @@ FlyingObject::FlyingObject(SDL_Surface* picture, int x, int y, int objectWidth, 
 
 FlyingObject::~FlyingObject() {}
 
+// Each move places the picture; the second one of an axis need not when it has moved nothing.
 void FlyingObject::control() {
-    moveLeft(goingLeft);
-    moveRight(goingRight);
-    moveUp(goingUp);
-    moveDown(goingDown);
+    stepLeft(*this, goingLeft);
+    placeAcross(*this);
+    if (stepRight(*this, goingRight)) {
+        placeAcross(*this);
+    }
+    stepUp(*this, goingUp);
+    placeUpright(*this);
+    if (stepDown(*this, goingDown)) {
+        placeUpright(*this);
+    }
     if (miniExploding) {
         miniExplode();
     }
@@ -118,27 +162,23 @@ int FlyingObject::show() {
 }
 
 void FlyingObject::moveLeft(bool accelerate) {
-    changeSpeed(speedLeft, accelerate, maxSpeedLeft, accelLeft, BRAKING_HORIZONTAL, frameDelay);
-    travel(xFloat, -1.0, speedLeft, frameDelay, speedScale);
-    placeOnAxis(screenCoordinate(xFloat), width, destRect.x, sourceRect.x, sourceRect.w);
+    stepLeft(*this, accelerate);
+    placeAcross(*this);
 }
 
 void FlyingObject::moveRight(bool accelerate) {
-    changeSpeed(speedRight, accelerate, maxSpeedRight, accelRight, BRAKING_HORIZONTAL, frameDelay);
-    travel(xFloat, 1.0, speedRight, frameDelay, speedScale);
-    placeOnAxis(screenCoordinate(xFloat), width, destRect.x, sourceRect.x, sourceRect.w);
+    stepRight(*this, accelerate);
+    placeAcross(*this);
 }
 
 void FlyingObject::moveUp(bool accelerate) {
-    changeSpeed(speedUp, accelerate, maxSpeedUp, accelUp, BRAKING_VERTICAL, frameDelay);
-    travel(yFloat, -1.0, speedUp, frameDelay, speedScale);
-    placeOnAxis(screenCoordinate(yFloat), height, destRect.y, sourceRect.y, sourceRect.h);
+    stepUp(*this, accelerate);
+    placeUpright(*this);
 }
 
 void FlyingObject::moveDown(bool accelerate) {
-    changeSpeed(speedDown, accelerate, maxSpeedDown, accelDown, BRAKING_VERTICAL, frameDelay);
-    travel(yFloat, 1.0, speedDown, frameDelay, speedScale);
-    placeOnAxis(screenCoordinate(yFloat), height, destRect.y, sourceRect.y, sourceRect.h);
+    stepDown(*this, accelerate);
+    placeUpright(*this);
 }
 
 void FlyingObject::setEnergyRelative(int delta) {
