@@ -138,6 +138,8 @@ std::string unexpectedLines(const std::string& error) {
         "libpng warning: ",  // what is wrong with a picture
         "WARNING: You are using the SDL disk writer audio driver!",
         " Writing to file [/dev/null].",
+        "CRITICAL: You are using the SDL disk i/o audio driver!",
+        "CRITICAL:  Writing to file [/dev/null].",
     };
     std::istringstream in(error);
     std::string others;
