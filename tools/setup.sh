@@ -65,6 +65,17 @@ need_test_tools() {
     need_python matplotlib python3-matplotlib python3-matplotlib python-matplotlib python3-matplotlib
 }
 
+# Displays, keys and a sound server that nobody sees and hears, for ./test --all.
+need_display_tools() {
+    need_command Xvfb xvfb xorg-x11-server-Xvfb xorg-server-xvfb xorg-x11-server-Xvfb
+    need_command xdotool xdotool xdotool xdotool xdotool
+    need_command setxkbmap x11-xkb-utils setxkbmap xorg-setxkbmap setxkbmap
+    need_command openbox openbox openbox openbox openbox
+    need_command weston weston weston weston weston
+    need_command Xwayland xwayland xorg-x11-server-Xwayland xorg-xwayland xwayland
+    need_command pulseaudio pulseaudio pulseaudio pulseaudio pulseaudio
+}
+
 # Installs what the need_* calls before it found missing.
 install_missing() {
     if [ -z "$debian_packages" ]; then
