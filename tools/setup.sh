@@ -60,6 +60,8 @@ need_replay_tools() {
 need_test_tools() {
     need_replay_tools
     need_library gtest libgtest-dev gtest-devel gtest gtest
+    need_command strace strace strace strace strace
+    need_command bwrap bubblewrap bubblewrap bubblewrap bubblewrap
     need_python numpy python3-numpy python3-numpy python-numpy python3-numpy
     need_python PIL python3-pil python3-pillow python-pillow python3-Pillow
     need_python matplotlib python3-matplotlib python3-matplotlib python-matplotlib python3-matplotlib
