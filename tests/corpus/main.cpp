@@ -167,6 +167,7 @@ std::string firstDifference(const Options& options, Uint32 seed) {
 
 std::vector<Uint32> seedsOf(const std::vector<Row>& rows) {
     std::vector<Uint32> seeds;
+    seeds.reserve(rows.size());
     for (const Row& row : rows) {
         seeds.push_back(row.seed);
     }
@@ -289,9 +290,7 @@ void addPlace(CLI::App& verb, Options& options) {
     verb.add_option("--jobs", options.jobs, "Games at once")->check(CLI::Range(1, 64));
 }
 
-}  // namespace
-
-int main(int argc, char* argv[]) {
+int run(int argc, char* argv[]) {
     CLI::App app("Plays games that are made of seeds, and compares what comes with a table.",
                  "kravoltix-corpus");
     app.require_subcommand(1);
@@ -328,6 +327,18 @@ int main(int argc, char* argv[]) {
         return *checkVerb ? check(options) : write(options);
     } catch (const replay::Trouble& trouble) {
         std::fprintf(stderr, "kravoltix-corpus: %s\n", trouble.what());
+        return NOT_COMPARED;
+    }
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    // CLI11 throws when it is told of an option twice, which no user can bring about.
+    try {
+        return run(argc, argv);
+    } catch (...) {
+        std::fputs("kravoltix-corpus: the options could not be set up\n", stderr);
         return NOT_COMPARED;
     }
 }

@@ -20,6 +20,7 @@ namespace {
 
 using Log = std::vector<std::string>;
 
+constexpr char QUESTIONS[] = "> Questions? ... " KRAVOLTIX_WEB_ADDRESS;
 constexpr Uint32 WINDOW_FLAGS = 0x60000000;  // double buffer, hardware palette
 constexpr Uint32 FULLSCREEN_FLAGS = 0xe0000000;
 
@@ -525,7 +526,7 @@ TEST(BattleFieldEnd, ThePlayersLastPictureEndsTheGameWithGoodBye) {
         "> ",
         "> Thank you for testing!",
         "> ",
-        "> Questions? ... " KRAVOLTIX_WEB_ADDRESS,
+        QUESTIONS,
         "> ",
     };
     Log said = game.takeLog({"> "});
@@ -549,7 +550,7 @@ TEST(BattleFieldEnd, FadesOutForASecondAndThanks) {
         "> ",
         "> Thank you for testing!",
         "> ",
-        "> Questions? ... " KRAVOLTIX_WEB_ADDRESS,
+        QUESTIONS,
         "> ",
     };
     EXPECT_EQ(game.takeLog(), expected);
@@ -563,7 +564,7 @@ TEST(BattleFieldEnd, ThanksAtOnceWithoutSound) {
         game.closeWindow();
     });
     const Log expected = {
-        "> ", "> Thank you for testing!", "> ", "> Questions? ... " KRAVOLTIX_WEB_ADDRESS, "> ",
+        "> ", "> Thank you for testing!", "> ", QUESTIONS, "> ",
     };
     EXPECT_EQ(game.takeLog(), expected);
 }

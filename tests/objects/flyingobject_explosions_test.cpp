@@ -55,8 +55,8 @@ struct Wreck : Flight {
     int explosionShown() const { return explosions.indexOf(blits.back().picture); }
     int flashShown() const { return flashes.indexOf(blits.back().picture); }
 
-    const Sound explosionPlayed() const { return {EXPLOSION_CHANNEL, explosionSound, 0, -1}; }
-    const Sound flashPlayed() const { return {FLASH_CHANNEL, flashSound, 0, -1}; }
+    Sound explosionPlayed() const { return {EXPLOSION_CHANNEL, explosionSound, 0, -1}; }
+    Sound flashPlayed() const { return {FLASH_CHANNEL, flashSound, 0, -1}; }
 
     Mix_Chunk* const explosionSound = makeSound();
     Mix_Chunk* const flashSound = makeSound();

@@ -25,7 +25,7 @@ static_assert(std::is_same_v<decltype(&MyShip::show), int (Ship::*)()>);
 constexpr size_t TARGETS = 10;
 
 MyShip& makeMyShip(SDL_Surface* screen, int x, int y, int fieldWidth = 640, int fieldHeight = 480) {
-    soilHeap(TARGETS * sizeof(FlyingObject*));
+    soilHeap(TARGETS * sizeof(void*));
     MyShip* ship = nullptr;
     capturedOutput([&] {
         ship = &make<MyShip>(nullptr, nullptr, nullptr, x, y, 39, 31, screen, fieldWidth,

@@ -266,7 +266,7 @@ std::set<std::string> filesOf(const std::string& folder, const std::string& suff
 std::string pixelsOf(const SDL_Surface* picture) {
     std::string pixels;
     for (int y = 0; y < picture->h; ++y) {
-        pixels.append(static_cast<const char*>(picture->pixels) + y * picture->pitch,
+        pixels.append(static_cast<const char*>(picture->pixels) + ptrdiff_t{y} * picture->pitch,
                       static_cast<size_t>(picture->w));
     }
     return pixels;

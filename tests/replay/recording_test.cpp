@@ -512,7 +512,7 @@ protected:
     }
 
     static void set(SDL_Surface* picture, int x, int y, Uint32 value) {
-        Uint8* row = static_cast<Uint8*>(picture->pixels) + y * picture->pitch;
+        Uint8* row = static_cast<Uint8*>(picture->pixels) + ptrdiff_t{y} * picture->pitch;
         reinterpret_cast<Uint32*>(row)[x] = value;
     }
 

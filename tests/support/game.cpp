@@ -119,7 +119,7 @@ void operator delete[](void* memory) noexcept {
     std::free(memory);
 }
 
-void operator delete[](void* memory, size_t) noexcept {
+void operator delete[](void* memory, size_t /*bytes*/) noexcept {
     std::free(memory);
 }
 
@@ -137,8 +137,8 @@ Game::~Game() {
     current = nullptr;
 }
 
-void Game::play(const std::function<void()>& perFrame) {
-    betweenFrames = perFrame;
+void Game::play(const std::function<void()>& betweenFrames) {
+    betweenFrames = betweenFrames;
     captureText();
     std::memset(fieldMemory, GARBAGE, sizeof fieldMemory);
     new (fieldMemory) BattleField(width, height, fullscreen, noSound);

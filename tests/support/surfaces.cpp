@@ -38,8 +38,8 @@ void paint(SDL_Surface* surface, int x, int y, int width, int height, Colour col
 
 Colour pixelAt(SDL_Surface* surface, int x, int y) {
     const int bytes = surface->format->BytesPerPixel;
-    const Uint8* start =
-        static_cast<const Uint8*>(surface->pixels) + y * surface->pitch + x * bytes;
+    const Uint8* start = static_cast<const Uint8*>(surface->pixels) +
+                         ptrdiff_t{y} * surface->pitch + ptrdiff_t{x} * bytes;
     Uint32 pixel = 0;
     std::memcpy(&pixel, start, static_cast<size_t>(bytes));
     Colour colour = {};

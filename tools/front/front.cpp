@@ -92,6 +92,7 @@ Hooks& hooks() {
 }
 
 namespace real {
+// NOLINTBEGIN(bugprone-macro-parentheses): types take no parentheses
 #define KRAVOLTIX_FRONT_REAL(name, result, parameters, arguments)                                  \
     result name parameters {                                                                       \
         static const auto function = reinterpret_cast<result(*) parameters>(findNext(#name));      \
@@ -99,6 +100,7 @@ namespace real {
     }
 KRAVOLTIX_FRONT_FUNCTIONS(KRAVOLTIX_FRONT_REAL)
 #undef KRAVOLTIX_FRONT_REAL
+// NOLINTEND(bugprone-macro-parentheses)
 }  // namespace real
 
 }  // namespace front

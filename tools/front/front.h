@@ -20,33 +20,34 @@ namespace front {
 // clang-format off
 #define KRAVOLTIX_FRONT_FUNCTIONS(ROW) \
     ROW(SDL_Init, int, (Uint32 flags), (flags)) \
-    ROW(SDL_SetVideoMode, SDL_Surface*, (int width, int height, int bits, Uint32 flags), \
-        (width, height, bits, flags)) \
+    ROW(SDL_SetVideoMode, SDL_Surface*, (int width, int height, int bpp, Uint32 flags), \
+        (width, height, bpp, flags)) \
     ROW(SDL_ShowCursor, int, (int toggle), (toggle)) \
     ROW(SDL_GetTicks, Uint32, (void), ()) \
     ROW(SDL_Delay, void, (Uint32 ms), (ms)) \
     ROW(SDL_PollEvent, int, (SDL_Event* event), (event)) \
     ROW(SDL_Flip, int, (SDL_Surface* screen), (screen)) \
-    ROW(SDL_FillRect, int, (SDL_Surface* to, SDL_Rect* rect, Uint32 colour), (to, rect, colour)) \
+    ROW(SDL_FillRect, int, (SDL_Surface* dst, SDL_Rect* dstrect, Uint32 color), \
+        (dst, dstrect, color)) \
     ROW(SDL_UpperBlit, int, \
-        (SDL_Surface* from, SDL_Rect* fromRect, SDL_Surface* to, SDL_Rect* toRect), \
-        (from, fromRect, to, toRect)) \
+        (SDL_Surface* src, SDL_Rect* srcrect, SDL_Surface* dst, SDL_Rect* dstrect), \
+        (src, srcrect, dst, dstrect)) \
     ROW(SDL_LockSurface, int, (SDL_Surface* surface), (surface)) \
     ROW(SDL_UnlockSurface, void, (SDL_Surface* surface), (surface)) \
     ROW(SDL_RWFromFile, SDL_RWops*, (const char* file, const char* mode), (file, mode)) \
-    ROW(SDL_LoadBMP_RW, SDL_Surface*, (SDL_RWops* source, int freeSource), (source, freeSource)) \
+    ROW(SDL_LoadBMP_RW, SDL_Surface*, (SDL_RWops* src, int freesrc), (src, freesrc)) \
     ROW(SDL_DisplayFormat, SDL_Surface*, (SDL_Surface* surface), (surface)) \
     ROW(SDL_SetColorKey, int, (SDL_Surface* surface, Uint32 flag, Uint32 key), \
         (surface, flag, key)) \
     ROW(SDL_FreeSurface, void, (SDL_Surface* surface), (surface)) \
     ROW(SDL_Quit, void, (void), ()) \
     ROW(IMG_Load, SDL_Surface*, (const char* file), (file)) \
-    ROW(Mix_OpenAudio, int, (int rate, Uint16 format, int channels, int chunkSize), \
-        (rate, format, channels, chunkSize)) \
-    ROW(Mix_LoadWAV_RW, Mix_Chunk*, (SDL_RWops* source, int freeSource), (source, freeSource)) \
+    ROW(Mix_OpenAudio, int, (int frequency, Uint16 format, int channels, int chunksize), \
+        (frequency, format, channels, chunksize)) \
+    ROW(Mix_LoadWAV_RW, Mix_Chunk*, (SDL_RWops* src, int freesrc), (src, freesrc)) \
     ROW(Mix_PlayChannelTimed, int, (int channel, Mix_Chunk* chunk, int loops, int ticks), \
         (channel, chunk, loops, ticks)) \
-    ROW(Mix_FadeOutChannel, int, (int channel, int ms), (channel, ms)) \
+    ROW(Mix_FadeOutChannel, int, (int which, int ms), (which, ms)) \
     ROW(Mix_FadeOutMusic, int, (int ms), (ms)) \
     ROW(Mix_CloseAudio, void, (void), ())
 // clang-format on

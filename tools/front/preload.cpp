@@ -88,6 +88,7 @@ SessionOptions optionsFromEnvironment(int argc, char** argv) {
 }
 
 // True in the game, which is linked to SDL; false in a shell script that starts it.
+// NOLINTBEGIN(performance-no-int-to-ptr): ELF keeps addresses as numbers
 int readNeeded(dl_phdr_info* program, size_t /*bytes*/, void* result) {
     const ElfW(Dyn)* dynamic = nullptr;
     for (int i = 0; i < program->dlpi_phnum; ++i) {
@@ -110,6 +111,7 @@ int readNeeded(dl_phdr_info* program, size_t /*bytes*/, void* result) {
     }
     return 1;  // the program comes first: look no further
 }
+// NOLINTEND(performance-no-int-to-ptr)
 
 bool isGame() {
     bool result = false;

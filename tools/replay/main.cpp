@@ -129,9 +129,7 @@ void addFilmOptions(CLI::App& verb, replay::FilmOptions& options) {
     verb.add_flag("--force", options.force, "Write over what is there already");
 }
 
-}  // namespace
-
-int main(int argc, char* argv[]) {
+int run(int argc, char* argv[]) {
     CLI::App app("Records, watches, proves, films and describes games of KRAVOLTIX.\n"
                  "FILE is a recording, or a scenario: a text file with keys and frame times.",
                  "kravoltix-replay");
@@ -210,6 +208,18 @@ int main(int argc, char* argv[]) {
         return info(place, infoOptions);
     } catch (const std::exception& trouble) {
         std::fprintf(stderr, "kravoltix-replay: %s\n", trouble.what());
+        return STATUS_TROUBLE;
+    }
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    // CLI11 throws when it is told of an option twice, which no user can bring about.
+    try {
+        return run(argc, argv);
+    } catch (...) {
+        std::fputs("kravoltix-replay: the options could not be set up\n", stderr);
         return STATUS_TROUBLE;
     }
 }
