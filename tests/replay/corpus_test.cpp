@@ -336,8 +336,9 @@ TEST(CorpusFixtures, SoundsAreLoadedByTheMixer) {
 class CorpusToolTest : public testing::Test {
 protected:
     // A table of the first seeds of the tree's own.
-    CorpusToolTest() : table(folder.path + "/table.txt") {
-        rows = corpus::readTable(bytesOf(CORPUS_TABLE), CORPUS_TABLE);
+    CorpusToolTest()
+        : table(folder.path + "/table.txt"),
+          rows(corpus::readTable(bytesOf(CORPUS_TABLE), CORPUS_TABLE)) {
         rows.resize(4);
         writeBytes(table, tableOf(rows));
     }

@@ -46,7 +46,9 @@ protected:
         return path(name);
     }
 
-    ToolResult verify(std::vector<std::string> words) const { return runReplay("verify", words); }
+    ToolResult verify(const std::vector<std::string>& words) const {
+        return runReplay("verify", words);
+    }
 
     // A recording that tells the game other than it was, and the verdict on it.
     ToolResult verifyChanged(const std::string& old, const std::string& with,

@@ -137,8 +137,8 @@ Game::~Game() {
     current = nullptr;
 }
 
-void Game::play(const std::function<void()>& betweenFrames) {
-    betweenFrames = betweenFrames;
+void Game::play(const std::function<void()>& perFrame) {
+    betweenFrames = perFrame;
     captureText();
     std::memset(fieldMemory, GARBAGE, sizeof fieldMemory);
     new (fieldMemory) BattleField(width, height, fullscreen, noSound);

@@ -26,9 +26,9 @@ public:
     Game(const Game&) = delete;
     Game& operator=(const Game&) = delete;
 
-    // Plays a game. Each frame ends with `betweenFrames`, called after the picture is complete and
+    // Plays a game. Each frame ends with `perFrame`, called after the picture is complete and
     // before the events of that pass are handled; the clock that it sets is read at the pass's end.
-    void play(const std::function<void()>& betweenFrames);
+    void play(const std::function<void()>& perFrame);
 
     // Plays a game that is held at its first frame: `test` runs once there, then the window closes.
     // The game waits for its title then (PHASE_WAIT), and it has drawn one frame of 266 ms.

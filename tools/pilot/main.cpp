@@ -77,9 +77,7 @@ int run(const Options& options, bool isBalance) {
     return isWell && out ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-}  // namespace
-
-int main(int argc, char* argv[]) {
+int start(int argc, char* argv[]) {
     Options options;
     CLI::App app("Pilots that play KRAVOLTIX by its keyboard.", "kravoltix-pilot");
     app.require_subcommand(1);
@@ -110,4 +108,16 @@ int main(int argc, char* argv[]) {
 
     CLI11_PARSE(app, argc, argv);
     return run(options, balancing->parsed());
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    // CLI11 throws when it is told of an option twice, which no user can bring about.
+    try {
+        return start(argc, argv);
+    } catch (...) {
+        std::fputs("kravoltix-pilot: the options could not be set up\n", stderr);
+        return EXIT_FAILURE;
+    }
 }

@@ -235,8 +235,8 @@ front::Recording playAgain(const Place& place, const std::string& path,
     return again;
 }
 
-TemporaryFolder::TemporaryFolder() {
-    path = (fs::temp_directory_path() / "kravoltix-XXXXXX").string();
+TemporaryFolder::TemporaryFolder()
+    : path((fs::temp_directory_path() / "kravoltix-XXXXXX").string()) {
     if (mkdtemp(path.data()) == nullptr) {
         throw Trouble("no temporary folder can be made: " + std::string(std::strerror(errno)));
     }
