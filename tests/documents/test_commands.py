@@ -56,6 +56,9 @@ QUICK = {
 
 # Run under --all, in this order: first those that build what the later ones need.
 LONG = {
+    "cmake -S . -B build/package -G Ninja -DCMAKE_BUILD_TYPE=Release -DKRAVOLTIX_TOOLS=ON": "",
+    "cmake --build build/package": "",
+    "cmake --install build/package --prefix build/installed": "",
     "cmake --preset release": "",
     "cmake --build --preset release": "",
     "cmake --preset release -DKRAVOLTIX_TOOLS=ON && cmake --build --preset release": "",
@@ -90,6 +93,11 @@ WINDOW = {
 
 # Not run, and why.
 TOLD = {
+    "tools/package": "it is all.packages.made",
+    "tools/reproduce": "it is all.reproduce",
+    "tools/checks": "it is all.checks",
+    "tests/packaging/clean_debian build/clean-debian": "it is all.packages.installed",
+    "tools/first-contact build/first-contact": "measures, and needs the network for minutes",
     "./test": "this test is a part of it",
     "apt-get install povray g++ python3-numpy python3-pil": "changes the system",
     "apt-get install python3-matplotlib": "changes the system",
