@@ -22,7 +22,7 @@ install(PROGRAMS ${generated}/kravoltix DESTINATION ${KRAVOLTIX_BINDIR})
 install(DIRECTORY data/ DESTINATION ${KRAVOLTIX_DATADIR})
 install(FILES ${dist}/applications/org.example.kravoltix.desktop DESTINATION ${share}/applications)
 install(FILES ${generated}/org.example.kravoltix.metainfo.xml DESTINATION ${share}/metainfo)
-install(DIRECTORY ${dist}/share/icons DESTINATION ${share})
+install(DIRECTORY ${dist}/share/icons DESTINATION ${share} PATTERN mimetypes EXCLUDE)
 install_manual_page(kravoltix.6)
 install(FILES ${dist}/completions/kravoltix.bash
     DESTINATION ${share}/bash-completion/completions RENAME kravoltix)
@@ -35,6 +35,8 @@ if(TARGET kravoltix-replay)
     install(FILES ${dist}/applications/org.example.kravoltix.replay.desktop
         DESTINATION ${share}/applications)
     install(FILES ${dist}/mime/kravoltix.xml DESTINATION ${share}/mime/packages)
+    install(DIRECTORY ${dist}/share/icons DESTINATION ${share}
+        FILES_MATCHING PATTERN application-x-kravoltix-replay.*)
     install_manual_page(kravoltix-replay.6)
     install(FILES ${dist}/completions/kravoltix-replay.bash
         DESTINATION ${share}/bash-completion/completions RENAME kravoltix-replay)
