@@ -128,6 +128,19 @@ std::string layersMessage(const std::string& errors) {
     return errors.substr(start + name.size(), end - start - name.size());
 }
 
+// The dynamic linker takes blanks and colons for the ends of names. A file that has one in its path is
+// named by a descriptor, which stays open for the game.
+std::string nameForLinker(const std::string& path) {
+    if (path.find_first_of(" :") == std::string::npos) {
+        return path;
+    }
+    const int descriptor = open(path.c_str(), O_RDONLY);
+    if (descriptor < 0) {
+        throw Trouble(path + ": " + std::strerror(errno));
+    }
+    return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
 }  // namespace
 
 void complete(Place& place) {
@@ -154,7 +167,7 @@ void complete(Place& place) {
     if (access(place.preload.c_str(), R_OK) != 0) {
         throw Trouble(place.preload + ": cannot be read (--layer)");
     }
-    place.preload = fs::absolute(place.preload).string();
+    place.preload = nameForLinker(fs::absolute(place.preload).string());
 }
 
 int startGame(const Place& place, const GameRun& run) {
