@@ -123,6 +123,11 @@ TOLD = {
     "cmake --preset debug -B build/coverage -DKRAVOLTIX_COVERAGE=ON": "builds and tests all anew",
     "cmake --build build/coverage && ctest --test-dir build/coverage -LE assets": "the same",
     "gcovr -r . -f src/ build/coverage": "reads what the two before have made",
+    "tools/bench": "measures for many minutes",
+    "tools/bench --json FILE --plot FILE": "likewise",
+    "tools/bench --game PROGRAM": "likewise",
+    'tools/bench --scene "full play"': "likewise",
+    "tools/bench --gates": "measures for minutes, on an idle machine",
     "setxkbmap us": "changes the reader's keyboard",
     "xrandr --output NAME --mode 1024x768": "changes the reader's display",
 }
