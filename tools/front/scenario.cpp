@@ -18,7 +18,8 @@ struct NamedKey {
     SDLKey key;
 };
 
-// Any other key is its own character in lower case, "a" is SDLK_a, or else "key-" and SDL's number.
+// Any other key is its own character in lower case, "a" is SDLK_a, or else "key-" and SDL's number; so
+// is #, which would begin a comment.
 constexpr NamedKey NAMED_KEYS[] = {
     {"return", SDLK_RETURN}, {"escape", SDLK_ESCAPE}, {"space", SDLK_SPACE}, {"up", SDLK_UP},
     {"down", SDLK_DOWN},     {"left", SDLK_LEFT},     {"right", SDLK_RIGHT},
@@ -34,7 +35,7 @@ constexpr const char* STATEMENTS[] = {"what",  "option", "start", "limit", "fail
                                       "times", "frame",  "ms",    "expect"};
 
 bool isCharacterKey(int code) {
-    return code > ' ' && code <= '~' && std::isupper(code) == 0;
+    return code > ' ' && code <= '~' && code != '#' && std::isupper(code) == 0;
 }
 
 // SDLK_UNKNOWN when there is no such key.
