@@ -70,7 +70,7 @@ void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 
-void operator delete(void* memory, size_t) noexcept {
+void operator delete(void* memory, size_t /*bytes*/) noexcept {
     std::free(memory);
 }
 
@@ -78,6 +78,6 @@ void operator delete[](void* memory) noexcept {
     std::free(memory);
 }
 
-void operator delete[](void* memory, size_t) noexcept {
+void operator delete[](void* memory, size_t /*bytes*/) noexcept {
     std::free(memory);
 }
