@@ -283,7 +283,7 @@ TEST(Files, EmptyStopTheGameOrAreNotSeen) {
 
 // The last bytes may be missed: they only say that nothing follows.
 TEST(Files, CutStopTheGameOrAreSeenInPart) {
-    damageEach("cut", allFiles(), CUTS, 16, MAY, [](const GameFile& file, size_t cut) {
+    damageEach("cut", allFiles(), CUTS, 10, MAY, [](const GameFile& file, size_t cut) {
         const std::string whole = trueContent(file);
         if (cut == 0) {
             return whole.substr(0, 1);
@@ -300,7 +300,7 @@ TEST(Files, CutPicturesWithoutAllTheirPixelsAreNotSeen) {
 }
 
 TEST(Files, WithAFlippedBitStopTheGameOrAreSeen) {
-    damageEach("flipped bit", allFiles(), FLIPS, 24, MAY, [](const GameFile& file, size_t seed) {
+    damageEach("flipped bit", allFiles(), FLIPS, 14, MAY, [](const GameFile& file, size_t seed) {
         return withFlippedBit(trueContent(file), seed);
     });
 }
@@ -309,13 +309,13 @@ TEST(Files, WithAFlippedBitStopTheGameOrAreSeen) {
 TEST(Files, WithAFlippedBitThatTheChecksumFitsStopTheGameOrAreSeen) {
     const std::vector<GameFile> pictures = allPictures();
     damageEach(
-        "flipped bit with its checksum", pictures, FITTED_FLIPS, 16, MAY,
+        "flipped bit with its checksum", pictures, FITTED_FLIPS, 10, MAY,
         [](const GameFile& file, size_t seed) { return withFittedFlip(trueContent(file), seed); });
 }
 
 TEST(Files, OfAWrongSizeOrDepthAreSeen) {
     const std::vector<GameFile> pictures = allPictures();
-    damageEach("wrong size or depth", pictures, otherPictures(), 12, ALWAYS,
+    damageEach("wrong size or depth", pictures, otherPictures(), 8, ALWAYS,
                [](const GameFile&, size_t variant) { return otherPicture(variant); });
 }
 
@@ -458,7 +458,7 @@ TEST(Files, AnyTwoMissingStopTheGameOrAreNotSeen) {
         }
     }
     EXPECT_EQ(pairs.size(), 84U * 83 / 2);
-    Cases("pair", pairs.size(), 12).each([&](size_t number) {
+    Cases("pair", pairs.size(), 8).each([&](size_t number) {
         const GameFile& one = files[pairs[number].first];
         const GameFile& other = files[pairs[number].second];
         SCOPED_TRACE(one.path + " and " + other.path);
