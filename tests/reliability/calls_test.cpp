@@ -68,20 +68,24 @@ private:
         if (!next) {
             next = real;
         }
-        hook = [this, next, &report](Arguments... arguments) -> Result {
-            ++report.calls;
-            if constexpr (!std::is_void_v<Result>) {
-                if (use == EVERY_USE || use == report.calls) {
-                    if (std::strcmp(function, "SDL_Flip") == 0) {
-                        next(arguments...);  // the test's own hand on the game
-                    }
-                    SDL_SetError("%s", REASON);
-                    return std::strcmp(function, "SDL_PollEvent") == 0 ? Result{}
-                                                                       : failed<Result>();
+        if constexpr (std::is_void_v<Result>) {
+            hook = [next, &report](Arguments... arguments) {
+                ++report.calls;
+                next(arguments...);
+            };
+        } else {
+            hook = [this, next, &report](Arguments... arguments) -> Result {
+                ++report.calls;
+                if (use != EVERY_USE && use != report.calls) {
+                    return next(arguments...);
                 }
-            }
-            return next(arguments...);
-        };
+                if (std::strcmp(function, "SDL_Flip") == 0) {
+                    next(arguments...);  // the test's own hand on the game
+                }
+                SDL_SetError("%s", REASON);
+                return std::strcmp(function, "SDL_PollEvent") == 0 ? Result{} : failed<Result>();
+            };
+        }
     }
 
     const char* function;

@@ -104,7 +104,7 @@ TEST(Clock, AStallOrJumpInTheIntroIsNotWarnedOf) {
                             BattleField::PHASE_HINT, BattleField::PHASE_COUNT_DOWN}) {
         for (const Jump& jump : JUMPS) {
             SCOPED_TRACE(std::string(jump.rule) + " in phase " + std::to_string(phase));
-            if (!isComplete() && (phase + jump.ms) % 4 != 0) {
+            if (!isComplete() && (static_cast<Uint32>(phase) + jump.ms) % 4 != 0) {
                 continue;
             }
             const End end = gameWithJump(phase, 100000, jump.ms);
