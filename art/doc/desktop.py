@@ -18,7 +18,7 @@ import pieces
 
 PIECE = "icon"
 SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
-NAME = re.compile(r"(\d+)x\1/apps/\w+\.png$")
+NAME = re.compile(r"(\d+)x\1/\w+/[\w-]+\.png$")
 DRAWN_EDGE = re.compile(r'viewBox="0 0 (\d+) (\d+)"')
 SOURCES = {  # by the ending of the file: what it is made from, and with
     ".png": ("[render](../art/icon/render), [player.inc](../art/ships/player.inc)",
@@ -77,9 +77,9 @@ def contents(path):
 
 
 def load(found):
-    """The pictures of the described files, by their promised edge."""
+    """The program's pictures among the described files, by their promised edge."""
     return {edge(file.path): kit.load(os.path.join(pieces.ROOT, file.path))
-            for file in found if edge(file.path)}
+            for file in found if edge(file.path) and "/apps/" in file.path}
 
 
 def ship_of(icon):
