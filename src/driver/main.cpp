@@ -5,7 +5,9 @@
 #include <cctype>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <string>
+#include <unistd.h>
 
 namespace {
 
@@ -63,11 +65,22 @@ void printHelp() {
 }
 // clang-format on
 
+// A closed stream's number goes to what is opened next, be it the connection to the display, and a
+// line that is printed would go there: such a stream takes all that is written and has nothing to read.
+void fillClosedStreams() {
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+        if (fcntl(stream, F_GETFD) < 0) {
+            open("/dev/null", O_RDWR);  // takes the lowest number that is free: this one
+        }
+    }
+}
+
 }  // namespace
 
 // Looks at two arguments and no more; help counts in the first place only, and a word that is not
 // known is no error.
 int main(int argc, char* argv[]) {
+    fillClosedStreams();
     if (argc > 1 && isEither(argv[1], "--help", "-?")) {
         printHelp();
         return 0;

@@ -179,7 +179,7 @@ void QELString::stepTyping() {
     if (shown != length) {
         return;
     }
-    ++pauseTicks;
+    pauseTicks = static_cast<int>(static_cast<Uint32>(pauseTicks) + 1);  // wraps after 3.5 years
     if (!typed || type < TYPE_LEAVES) {
         return;
     }

@@ -172,9 +172,12 @@ void EnemyShip::fire(int slot) {
     newShot->goingUp = false;
     newShot->goingDown = true;
     newShot->speedUp = 0;
-    const int y = truncated(newShot->yFloat);
-    shotLimitY[slot] = y + fieldWidth + SHOT_RANGE_BEYOND_WIDTH_PX;
-    nextShotY[slot] = (fieldWidth + SHOT_RANGE_BEYOND_WIDTH_PX) / maxShot + y;
+    // A shot from two thousand million pixels below the field has limits that no int holds; they wrap
+    // around, and the shot is gone in the next frame.
+    const Uint32 y = static_cast<Uint32>(truncated(newShot->yFloat));
+    const int range = fieldWidth + SHOT_RANGE_BEYOND_WIDTH_PX;
+    shotLimitY[slot] = static_cast<int>(y + static_cast<Uint32>(range));
+    nextShotY[slot] = static_cast<int>(y + static_cast<Uint32>(range / maxShot));
 }
 
 void EnemyShip::makeNextReady(int slot) {

@@ -122,6 +122,9 @@ TEST(Streams, AReaderThatGoesAmidTheGameEndsItByItsSignalOnly) {
 // The program from outside.
 
 constexpr char LEAVE[] = "start 4000\nframe 1 time 51\nframe 40 quit\n";
+constexpr char TALK[] =
+    "start 4000\ntimes 1 51*110 1001*300\nframe 1 down return\nframe 2 up return\n"
+    "frame 400 quit\n";
 
 struct ProgramEnd {
     int status = -1;
@@ -193,6 +196,27 @@ TEST(Streams, TheProgramEndsWellWithoutAnyStreams) {
     const ProgramEnd end = runWith(closed, {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}, {"-ns"});
     EXPECT_EQ(end.signal, 0);
     EXPECT_EQ(end.status, 0);
+}
+
+// The sound goes into a file that is open while the game lasts, as a display's connection is, and that
+// is opened while the number of standard output is free. Frames of a second each are warned of, by more
+// text than a buffer holds: some of it is written while the file is open.
+TEST(Streams, WhatIsPrintedToAClosedOneGoesNowhereElse) {
+    const TemporaryFolder folder;
+    const std::string sound = folder.path + "/sound";
+    const std::string scenario = folder.path + "/scenario";
+    writeFile(scenario, TALK);
+    const pid_t child = fork();
+    if (child == 0) {
+        setenv("SDL_AUDIODRIVER", "disk", 1);
+        setenv("SDL_DISKAUDIOFILE", sound.c_str(), 1);
+        close(STDOUT_FILENO);
+        becomeProgram({}, scenario);
+    }
+    const ProgramEnd end = endOf(child);
+    EXPECT_EQ(end.signal, 0);
+    EXPECT_EQ(end.status, 0);
+    EXPECT_EQ(contentOf(sound).find("MyShip was born:"), std::string::npos);
 }
 
 // The program on a terminal, with the true clock; each line is read as it comes.
