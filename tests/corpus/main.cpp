@@ -28,6 +28,7 @@ constexpr int NOT_COMPARED = 2;
 
 constexpr Uint32 SEEDS = 1200;  // of a table that is written anew
 constexpr size_t EXAMPLES = 5;  // seeds named for each channel
+constexpr int MOST_GAMES = 1000000;
 constexpr std::chrono::seconds PROGRESS_EVERY(10);
 
 struct Options {
@@ -301,9 +302,9 @@ int run(int argc, char* argv[]) {
     CLI::App* checkVerb = app.add_subcommand("check", "Play the games and compare them");
     addPlace(*checkVerb, options);
     checkVerb->add_option("--from", options.from, "The first seed");
-    checkVerb->add_option("--count", options.count, "So many seeds")->check(CLI::PositiveNumber);
+    checkVerb->add_option("--count", options.count, "So many seeds")->check(CLI::Range(1, MOST_GAMES));
     checkVerb->add_option("--sample", options.sample, "Of these so many, spread over all of them")
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::Range(1, MOST_GAMES));
     checkVerb->add_flag("--first", options.first, "End with the first difference");
     checkVerb->add_option("--expected-game", options.expectedProgram,
                           "An older build: tells the first frame that differs from its game");
@@ -311,7 +312,7 @@ int run(int argc, char* argv[]) {
     CLI::App* writeVerb = app.add_subcommand("write", "Play the games and write their table anew");
     addPlace(*writeVerb, options);
     writeVerb->add_option("--seeds", options.seeds, "So many seeds, from 1")
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::Range(1, MOST_GAMES));
 
     Uint32 seed = 0;
     CLI::App* showVerb = app.add_subcommand("show", "Print a seed's game, a scenario");

@@ -135,13 +135,26 @@ INSTANTIATE_TEST_SUITE_P(
                     PictureGroup{"AllElse", namedFiles(false)}),
     [](const auto& instance) { return instance.param.name; });
 
+enum Way { REMOVED, EMPTIED, CUT, TEXT, BITMAP, WAYS };
+
+// Of a short run each picture meets one of the ways, of a complete one all of them.
+std::vector<GameFile> metBy(Way way, const std::vector<GameFile>& files) {
+    std::vector<GameFile> met;
+    for (size_t i = 0; i < files.size(); ++i) {
+        if (isComplete() || i % WAYS == way) {
+            met.push_back(files[i]);
+        }
+    }
+    return met;
+}
+
 // Each picture in turn, damaged like this.
 template <typename Damage>
-void expectTheGameWithoutEach(const std::vector<GameFile>& files, Damage damage) {
+void expectTheGameWithoutEach(const std::vector<GameFile>& files, Way way, Damage damage) {
     DataFolder data;
     const ProgramResult intact = tour(GAME_DATA, false);
     ASSERT_EQ(intact.status, 0);
-    for (const GameFile& file : files) {
+    for (const GameFile& file : metBy(way, files)) {
         damage(data, file.path);
         expectWithoutPicture(tour(data.path(), false), intact, file);
         data.restore(file.path);
@@ -196,25 +209,25 @@ TEST(GameFiles, AreAllSeenAndHeardInAShortGame) {
 }
 
 TEST_P(GamePictures, ARemovedPictureIsNotSeenOrStopsTheGame) {
-    expectTheGameWithoutEach(GetParam().files,
+    expectTheGameWithoutEach(GetParam().files, REMOVED,
                              [](DataFolder& data, const std::string& file) { data.remove(file); });
 }
 
 TEST_P(GamePictures, AnEmptyPictureIsNotSeenOrStopsTheGame) {
-    expectTheGameWithoutEach(GetParam().files, [](DataFolder& data, const std::string& file) {
-        data.replace(file, "");
-    });
+    expectTheGameWithoutEach(
+        GetParam().files, EMPTIED,
+        [](DataFolder& data, const std::string& file) { data.replace(file, ""); });
 }
 
 TEST_P(GamePictures, APictureCutInHalfIsNotSeenOrStopsTheGame) {
-    expectTheGameWithoutEach(GetParam().files, [](DataFolder& data, const std::string& file) {
+    expectTheGameWithoutEach(GetParam().files, CUT, [](DataFolder& data, const std::string& file) {
         const std::string whole = trueContent(file);
         data.replace(file, whole.substr(0, whole.size() / 2));
     });
 }
 
 TEST_P(GamePictures, ATextInAPicturesPlaceIsNotSeenOrStopsTheGame) {
-    expectTheGameWithoutEach(GetParam().files, [](DataFolder& data, const std::string& file) {
+    expectTheGameWithoutEach(GetParam().files, TEXT, [](DataFolder& data, const std::string& file) {
         data.replace(file, "Here was a picture once.\nNow it is gone.\n");
     });
 }
@@ -234,7 +247,7 @@ TEST(GameFiles, ASoundInAPicturesPlaceIsNotSeenOrStopsTheGame) {
 TEST_P(GamePictures, AWindowsBitmapInAPicturesPlaceIsSeenLikeIt) {
     DataFolder data;
     const ProgramResult intact = tour(GAME_DATA, false);
-    for (const GameFile& file : GetParam().files) {
+    for (const GameFile& file : metBy(BITMAP, GetParam().files)) {
         SCOPED_TRACE(file.path);
         data.remove(file.path);
         SDL_Surface* picture = IMG_Load((GAME_DATA "/" + file.path).c_str());

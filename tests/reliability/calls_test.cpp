@@ -4,6 +4,7 @@
 #include "front/front.h"
 #include "reliability/quicktour.h"
 #include "reliability/start.h"
+#include "support/program.h"
 
 #include <gtest/gtest.h>
 

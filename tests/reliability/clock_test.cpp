@@ -4,6 +4,7 @@
 #include "playthrough/texts.h"
 #include "reliability/quicktour.h"
 #include "reliability/start.h"
+#include "support/program.h"
 
 #include <gtest/gtest.h>
 

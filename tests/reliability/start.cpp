@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "reliability/start.h"
+#include "support/program.h"
 
 #include "front/front.h"
 
@@ -335,10 +336,6 @@ bool End::isCrash() const {
     return signal != 0 || error.find("Sanitizer") != std::string::npos ||
            error.find("runtime error") != std::string::npos ||
            error.find("Parachute") != std::string::npos;
-}
-
-bool isComplete() {
-    return std::getenv("KRAVOLTIX_COMPLETE") != nullptr;
 }
 
 Progress::Progress(const char* ofWhat, size_t howMany)

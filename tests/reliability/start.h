@@ -93,9 +93,6 @@ constexpr bool IS_SANITIZED = true;
 constexpr bool IS_SANITIZED = false;
 #endif
 
-// Whether the tests are to try everything, and not only a sample.
-bool isComplete();
-
 // Tells on standard error how far a long test has come and how long it will take.
 class Progress {
 public:

@@ -58,4 +58,7 @@ public:
 std::string contentOf(const std::string& path);
 void writeFile(const std::string& path, const std::string& content);
 
+// Whether the tests are to try everything, and not only a sample: the variable KRAVOLTIX_COMPLETE is set.
+bool isComplete();
+
 #endif

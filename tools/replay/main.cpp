@@ -19,6 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int STATUS_TROUBLE = 2;
+constexpr double MOST_SECONDS = 360000;  // of a game: 100 hours
 
 struct RecordOptions {
     std::string file;
@@ -117,9 +118,9 @@ void addFilmOptions(CLI::App& verb, replay::FilmOptions& options) {
     verb.add_option("OUT", options.out, "A file.mp4 or file.gif, or a folder/ for PNG pictures")
         ->required();
     verb.add_option("--from", options.from, "Seconds of the game to leave out at its beginning")
-        ->check(CLI::NonNegativeNumber);
+        ->check(CLI::Range(0.0, MOST_SECONDS));
     verb.add_option("--to", options.to, "The second of the game to stop at")
-        ->check(CLI::NonNegativeNumber);
+        ->check(CLI::Range(0.0, MOST_SECONDS));
     verb.add_option("--fps", options.rate,
                     "Pictures a second, of a .gif (25) or of PNG pictures (60)")
         ->check(CLI::Range(1, 240));
