@@ -219,8 +219,8 @@ void Meter::endFrame() {
     figures.allocations = allocations() - begunAllocations;
     figures.calls = calls;
     figures.bytesPrinted = bytesPrinted() - bytesBefore;
-    figures.residentKb = memoryKb("VmRSS");
     if (options.mode == MeterOptions::CENSUS) {
+        figures.residentKb = memoryKb("VmRSS");
         std::FILE* file = std::fopen(options.figures.c_str(), "a");
         writeFrame(file, figures, player.frame() + 1);
         std::fprintf(file, "\n");
