@@ -152,7 +152,7 @@ TOLD = {
     "tools/bench --game PROGRAM": "likewise",
     'tools/bench --scene "full play"': "likewise",
     "tools/bench --pace": "likewise",
-    "tools/bench --gates": "measures for minutes, on an idle machine",
+    "tools/bench --gates": "it is all.bench",
     "setxkbmap us": "changes the reader's keyboard",
     "xrandr --output NAME --mode 1024x768": "changes the reader's display",
 }
