@@ -72,7 +72,7 @@ void markPlayer(Marks& map, const BattleField& field) {
     map.set(ship.miniExploding ? 1 + ship.miniExplosionFrame : 0, 8);
 }
 
-unsigned inFlight(const EnemyShip& enemy) {
+unsigned shotsFlying(const EnemyShip& enemy) {
     return static_cast<unsigned>(
         std::count(enemy.shotActive, enemy.shotActive + enemy.maxShot, true));
 }
@@ -85,7 +85,7 @@ void markEnemy(Marks& map, const BattleField& field, const EnemyShip& enemy) {
     const unsigned x = step(enemy.xFloat - field.myShip->xFloat, -320, 320, 6);
     const unsigned y = step(enemy.yFloat - field.myShip->yFloat, -400, 100, 6);
     map.set((x * 6 + y) * 2 + (enemy.externallySteered ? 1 : 0), 72);
-    map.set(inFlight(enemy) * 6 + enemy.explosionFrame / 8, 10 * 6);
+    map.set(shotsFlying(enemy) * 6 + enemy.explosionFrame / 8, 10 * 6);
     map.set(farOut(enemy), 16);
 }
 
