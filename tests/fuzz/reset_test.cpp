@@ -182,6 +182,7 @@ TEST_P(HeldGameFrom, IsThePlayersGameAfterManyOthers) {
     const std::vector<Bytes> inputs = longestFrom(GetParam(), 2);
     ASSERT_FALSE(inputs.empty());
     std::vector<std::string> fresh;
+    fresh.reserve(inputs.size());
     for (const Bytes& bytes : inputs) {
         fresh.push_back(freshStoryOf(bytes));
     }

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <type_traits>
 
@@ -109,12 +110,8 @@ void askForLocks() {
 }
 
 bool isAnyOf(const char* function, std::initializer_list<const char*> names) {
-    for (const char* name : names) {
-        if (std::strcmp(function, name) == 0) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(names.begin(), names.end(),
+                       [&](const char* name) { return std::strcmp(function, name) == 0; });
 }
 
 End startWithFailure(const char* function, int use) {
@@ -124,7 +121,7 @@ End startWithFailure(const char* function, int use) {
     how.trueSounds = isAnyOf(function, {"SDL_RWFromFile", "Mix_LoadWAV_RW"});
     how.betweenFrames = quickTour;
     how.prepareWithReport = [=](Running&, Report& report) {
-        if (isAnyOf(function, {"SDL_FillRect"}) == false) {
+        if (!isAnyOf(function, {"SDL_FillRect"})) {
             askForLocks();
         }
         (new FailingCall(function, use))->stand(report);

@@ -187,7 +187,7 @@ std::string pixelsOf(const Picture& picture) {
 std::string compressed(const std::string& content) {
     uLongf bytes = compressBound(static_cast<uLong>(content.size()));
     std::string result(bytes, '\0');
-    compress2(reinterpret_cast<Bytef*>(&result[0]), &bytes,
+    compress2(reinterpret_cast<Bytef*>(result.data()), &bytes,
               reinterpret_cast<const Bytef*>(content.data()), static_cast<uLong>(content.size()),
               1);
     result.resize(bytes);
