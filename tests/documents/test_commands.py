@@ -157,7 +157,8 @@ TOLD = {
     "xrandr --output NAME --mode 1024x768": "changes the reader's display",
 }
 
-# Presses Escape as soon as the game's window is there, and waits for the command's end.
+# Presses Escape as soon as the game's window is there, and waits for the command's end. Without a
+# window manager keys go to the window below the pointer.
 IN_A_WINDOW = """
 sh -c "$1" &
 for _ in $(seq 600); do
@@ -167,7 +168,7 @@ for _ in $(seq 600); do
 done
 while kill -0 $! 2>/dev/null; do
     sleep 1
-    xdotool key --delay 100 Escape
+    xdotool mousemove 320 240 key --delay 100 Escape
 done
 wait $!
 """
