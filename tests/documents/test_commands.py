@@ -157,6 +157,9 @@ TOLD = {
     "xrandr --output NAME --mode 1024x768": "changes the reader's display",
 }
 
+# SDL opens the display twice, and a server that nobody is connected to would begin anew in between.
+XVFB = "-screen 0 1280x1024x24 -noreset"
+
 # Presses Escape as soon as the game's window is there, and waits for the command's end. Without a
 # window manager keys go to the window below the pointer.
 IN_A_WINDOW = """
@@ -227,8 +230,8 @@ class Runs(unittest.TestCase):
                     for recording in ("my.kvx", "game.kvx", "first.kvx"):
                         if " record " in command and recording in command:
                             self.remove(recording)
-                    self.run_in(folder, ["xvfb-run", "-a", "sh", "-c", IN_A_WINDOW, "sh",
-                                         concrete(command)])
+                    self.run_in(folder, ["xvfb-run", "-a", "-s", XVFB, "sh", "-c", IN_A_WINDOW,
+                                         "sh", concrete(command)])
                 else:
                     self.run_in(folder, ["sh", "-c", concrete(command)])
 
