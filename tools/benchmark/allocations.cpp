@@ -5,11 +5,13 @@
 #include <cstddef>
 
 // The same functions under the names that the C library keeps for those who stand in front of it.
+// NOLINTBEGIN(bugprone-reserved-identifier): the C library reserved them for this
 extern "C" {
 void* __libc_malloc(std::size_t bytes);
 void* __libc_calloc(std::size_t count, std::size_t bytes);
 void* __libc_realloc(void* memory, std::size_t bytes);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 
