@@ -230,7 +230,7 @@ void takeRealEvents() {
 
 std::string contentOf(int descriptor) {
     std::string content(1 << 16, '\0');
-    const ssize_t bytes = pread(descriptor, &content[0], content.size(), 0);
+    const ssize_t bytes = pread(descriptor, content.data(), content.size(), 0);
     content.resize(bytes > 0 ? static_cast<size_t>(bytes) : 0);
     return content;
 }
