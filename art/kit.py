@@ -10,8 +10,14 @@ import os
 import numpy as np
 from PIL import Image
 
-# Below this alpha a pixel only lifts the black of space by a grey level or two and costs a blend.
+import png
+
+# A pixel that is not clear costs three and a half times as much as a clear one, seen or not. Not seen
+# is what lifts the black of space by two steps of 255 at most and takes no more than a sixteenth from
+# a hull or a star behind it; nor, whatever it lies over, an alpha below 4.
 SMALLEST_ALPHA = 4
+UNSEEN_STEPS = 2
+UNSEEN_ALPHA = 16
 
 
 def to_srgb(linear):
@@ -43,12 +49,22 @@ def to_bytes(picture):
     return np.floor(np.clip(picture, 0.0, 1.0) * 255.0 + 0.5).astype(np.uint8)
 
 
+def unseen(picture):
+    """Which pixels of a picture nobody sees in the game, as a mask (height, width)."""
+    alpha = picture[..., 3]
+    space = np.zeros(picture.shape[:2] + (3,), np.uint8)
+    blend(space, picture, 0, 0)
+    faint = (space.max(axis=2) <= UNSEEN_STEPS) & (alpha <= UNSEEN_ALPHA)
+    return faint | (alpha < SMALLEST_ALPHA)
+
+
 def save(path, picture):
-    """Writes an 8-bit RGBA PNG without a time stamp; clear pixels are wholly clear."""
+    """Writes an 8-bit RGBA PNG without a time stamp; what is not seen is wholly clear."""
     picture = np.ascontiguousarray(picture, dtype=np.uint8).copy()
-    picture[picture[..., 3] < SMALLEST_ALPHA] = 0
+    picture[unseen(picture)] = 0
     os.makedirs(os.path.dirname(path) or ".", exist_ok=True)
-    Image.fromarray(picture, "RGBA").save(path, optimize=True)
+    with open(path, "wb") as file:
+        file.write(png.packed(picture))
 
 
 def load(path):
