@@ -165,7 +165,7 @@ XVFB = "-screen 0 1280x1024x24 -noreset"
 IN_A_WINDOW = """
 sh -c "$1" &
 for _ in $(seq 600); do
-    window=$(xdotool search --onlyvisible --name '.' 2>/dev/null | tail -n 1)
+    window=$(xdotool search --onlyvisible --class '.' 2>/dev/null | tail -n 1)
     [ -n "$window" ] && break
     sleep 0.2
 done
