@@ -18,7 +18,7 @@ import numpy as np
 from PIL import Image
 
 ART = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "art")
-PROGRAMS = ("render", "check", "sheets", "pieces.py", "kit.py")
+PROGRAMS = ("render", "check", "sheets", "pieces.py", "kit.py", "png.py")
 
 SHIPS = """#!/usr/bin/python3
 import os, sys, wave
