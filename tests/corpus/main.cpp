@@ -302,7 +302,8 @@ int run(int argc, char* argv[]) {
     CLI::App* checkVerb = app.add_subcommand("check", "Play the games and compare them");
     addPlace(*checkVerb, options);
     checkVerb->add_option("--from", options.from, "The first seed");
-    checkVerb->add_option("--count", options.count, "So many seeds")->check(CLI::Range(1, MOST_GAMES));
+    checkVerb->add_option("--count", options.count, "So many seeds")
+        ->check(CLI::Range(1, MOST_GAMES));
     checkVerb->add_option("--sample", options.sample, "Of these so many, spread over all of them")
         ->check(CLI::Range(1, MOST_GAMES));
     checkVerb->add_flag("--first", options.first, "End with the first difference");
