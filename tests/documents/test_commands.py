@@ -50,6 +50,8 @@ QUICK = {
     "cd ../../data": "tests/playthrough",
     "cd tests/playthrough": "",
     "tests/faults/run driver --list": "",
+    "tools/pictures": "",
+    "tools/pictures --check": "",
     "./scene busy 1 > /tmp/busy.txt": "art/sounds",
     "../../tools/mix_scene.py /tmp/busy.txt ../../data/sounds /tmp/busy.wav": "art/sounds",
 }
