@@ -12,9 +12,9 @@ from PIL import Image
 
 import png
 
-# A pixel that is not clear costs three and a half times as much as a clear one, seen or not. Not seen
-# is what lifts the black of space by two steps of 255 at most and takes no more than a sixteenth from
-# a hull or a star behind it; nor, whatever it lies over, an alpha below 4.
+# A pixel that is not clear costs three and a half times as much as a clear one, seen or not. Not
+# seen is what lifts the black of space by two steps of 255 at most and takes no more than a
+# sixteenth from a hull or a star behind it; nor, whatever it lies over, an alpha below 4.
 SMALLEST_ALPHA = 4
 UNSEEN_STEPS = 2
 UNSEEN_ALPHA = 16

@@ -74,8 +74,8 @@ class MadeUp(unittest.TestCase):
     def test_the_table_counts_pixels_and_what_they_cost(self):
         self.write(dot())
         size = os.path.getsize(self.path)
-        self.assertEqual(self.numbers(), ["a.png", "9x7", "62", "1", "0", "0", "0", "1x1+3+2", "0.2",
-                                          str(size)])
+        self.assertEqual(self.numbers(), ["a.png", "9x7", "62", "1", "0", "0", "0", "1x1+3+2",
+                                          "0.2", str(size)])
 
     def test_an_empty_picture_has_no_box(self):
         self.write(dot((0, 0, 0, 0)))
