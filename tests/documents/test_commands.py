@@ -101,6 +101,7 @@ TOLD = {
     "tests/packaging/clean_debian build/clean-debian": "it is all.packages.installed",
     "tools/first-contact build/first-contact": "measures, and needs the network for minutes",
     "./test": "this test is a part of it",
+    "tools/flakes": "it runs ./test, again and again",
     "./test calls": "./test runs the same tests",
     "./test 'clock|events|streams'": "./test runs the same tests",
     "./test files": "./test runs the same tests",

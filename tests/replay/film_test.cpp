@@ -346,10 +346,12 @@ TEST_F(Film, ADiskThatIsFullLeavesNoHalfFilm) {
 }
 
 TEST_F(Film, StoppingItLeavesNoHalfFilm) {
-    const Output output = outputOf(
-        "cd " + folder.path +
-        " && { " KRAVOLTIX_REPLAY " video " PLAYTHROUGHS "/won.scenario won.mp4 2>&1 & }; tool=$!; "
-        "while [ ! -e won.mp4.part ]; do sleep 0.05; done; kill -TERM $tool; wait $tool");
+    const Output output = outputOf("cd " + folder.path +
+                                   " && mkfifo told && { " KRAVOLTIX_REPLAY " video " PLAYTHROUGHS
+                                   "/won.scenario won.mp4 >told 2>&1 & }; tool=$!; "
+                                   "{ read -r progress && ls won.mp4.part && kill -TERM $tool; "
+                                   "cat; } <told; rm told; wait $tool");
+    EXPECT_EQ(output.text.find("won.mp4.part\n"), 0U) << output.text;
     expectTrouble(output, "stopped; the film is not kept");
     EXPECT_EQ(files(), "stars");
 }

@@ -3,17 +3,16 @@
 #include "replay/tool.h"
 
 #include "front/recording.h"
+#include "support/folderwatch.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -420,12 +419,11 @@ TEST_F(VerifyTest, InfoOfAFileThatWasCutOffSaysSo) {
 TEST_F(VerifyTest, ALiveGameIsTheSameWhenItIsPlayedAgain) {
     replay::GameRun run;
     run.recordTo = path("live.kvx");
+    const FolderWatch watch(fs::path(run.recordTo).parent_path());
     const int process = replay::startGame(builtPlace(), run);
     // A second of the game is written when it is over.
-    for (int i = 0; i < 600 && (!fs::exists(run.recordTo) || fs::file_size(run.recordTo) == 0);
-         ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    }
+    EXPECT_TRUE(watch.waitUntil(
+        [&] { return fs::exists(run.recordTo) && fs::file_size(run.recordTo) > 0; }));
     kill(process, SIGTERM);
     const replay::GameResult result = replay::waitForGame(process);
     EXPECT_EQ(result.signal, 0);
