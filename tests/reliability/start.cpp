@@ -249,7 +249,7 @@ void operator delete[](void* memory) noexcept {
     std::free(memory);
 }
 
-void operator delete[](void* memory, size_t) noexcept {
+void operator delete[](void* memory, size_t /*bytes*/) noexcept {
     std::free(memory);
 }
 

@@ -96,7 +96,7 @@ constexpr bool IS_SANITIZED = false;
 // Tells on standard error how far a long test has come and how long it will take.
 class Progress {
 public:
-    Progress(const char* name, size_t cases);
+    Progress(const char* ofWhat, size_t howMany);
     void step();
 
 private:
