@@ -160,7 +160,7 @@ TEST_F(VerifyTest, EachChannelIsCompared) {
 // The check of one picture, in the middle of the game.
 TEST_F(VerifyTest, APictureThatDiffersIsToldAndWritten) {
     const std::string text = unpacked(recorded());
-    const size_t at = text.find("pictures 11 32 ") + 15 + 3 * 8;  // of frame 14
+    const size_t at = text.find("pictures 11 32 ") + 15 + size_t{3} * 8;  // of frame 14
     const std::string check = text.substr(at, 8);
     std::string changed = text;
     changed[at] = changed[at] == '0' ? '1' : '0';
