@@ -137,11 +137,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 enum Way { REMOVED, EMPTIED, CUT, TEXT, BITMAP, WAYS };
 
-// Of a short run each picture meets one of the ways, of a complete one all of them.
+// In a short run each picture meets one of the ways (with sanitizers each third picture), in a complete one
+// all of them; so do the sounds.
 std::vector<GameFile> metBy(Way way, const std::vector<GameFile>& files) {
+    const size_t share = IS_SANITIZED ? 3 : 1;
     std::vector<GameFile> met;
     for (size_t i = 0; i < files.size(); ++i) {
-        if (isComplete() || i % WAYS == way) {
+        if (isComplete() || (i % WAYS == way && i / WAYS % share == 0)) {
             met.push_back(files[i]);
         }
     }
@@ -304,10 +306,15 @@ TEST_P(GameSounds, ThatAreMissingOrDamagedAreNotHeard) {
         SCOPED_TRACE("removed");
         expectUnheard(tour(data.path(), true), intact, file);
     }
-    for (const auto& damage : damages) {
-        SCOPED_TRACE(damage.first);
-        data.replace(file, damage.second);
-        expectUnheard(tour(data.path(), true), intact, file);
+    const std::vector<GameFile> sounds = namedFiles(true);
+    const auto isThis = [&](const GameFile& sound) { return sound.path == file; };
+    const size_t number = std::find_if(sounds.begin(), sounds.end(), isThis) - sounds.begin();
+    for (size_t i = 0; i < std::size(damages); ++i) {
+        if (isComplete() || i == number % std::size(damages)) {
+            SCOPED_TRACE(damages[i].first);
+            data.replace(file, damages[i].second);
+            expectUnheard(tour(data.path(), true), intact, file);
+        }
     }
 }
 

@@ -86,13 +86,6 @@ End start(const Start& wanted);
 // Runs an action in a process of its own; its result becomes the exit status.
 End inOtherProcess(const std::function<int(Report&)>& action);
 
-// Whether the game was built with sanitizers, which take their time.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool IS_SANITIZED = true;
-#else
-constexpr bool IS_SANITIZED = false;
-#endif
-
 // Tells on standard error how far a long test has come and how long it will take.
 class Progress {
 public:

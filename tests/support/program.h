@@ -61,4 +61,11 @@ void writeFile(const std::string& path, const std::string& content);
 // Whether the tests are to try everything, and not only a sample: the variable KRAVOLTIX_COMPLETE is set.
 bool isComplete();
 
+// Whether the game was built with sanitizers, which take their time.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool IS_SANITIZED = true;
+#else
+constexpr bool IS_SANITIZED = false;
+#endif
+
 #endif
