@@ -163,20 +163,17 @@ TOLD = {
 # SDL opens the display twice, and a server that nobody is connected to would begin anew in between.
 XVFB = "-screen 0 1280x1024x24 -noreset"
 
-# Presses Escape as soon as the game's window is there, and waits for the command's end. Without a
-# window manager keys go to the window below the pointer.
+# Presses Escape as soon as the game's window is there, and waits for the command's end; the key waits in
+# the window's queue until the game asks for it. Without a window manager keys go to the window below the
+# pointer.
 IN_A_WINDOW = """
 sh -c "$1" &
-for _ in $(seq 600); do
-    window=$(xdotool search --onlyvisible --class '.' 2>/dev/null | tail -n 1)
-    [ -n "$window" ] && break
-    sleep 0.2
-done
-while kill -0 $! 2>/dev/null; do
-    sleep 1
-    xdotool mousemove 320 240 key --delay 100 Escape
-done
-wait $!
+game=$!
+xdotool search --sync --onlyvisible --class '.' mousemove 320 240 key --delay 100 Escape &
+wait $game
+status=$?
+kill $! 2>/dev/null
+exit $status
 """
 
 
