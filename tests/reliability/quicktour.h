@@ -19,10 +19,11 @@ std::string startText(bool fullscreen, bool noSound);  // to the first load
 std::string birthText();                               // the objects, without the display
 std::string displayText();                             // the display and the banner
 std::string quickTourText();                           // from the first frame to the player's end
+std::string quickTourTextWithoutHits();
 std::string farewellText(bool noSound);
 
 // All of it.
-std::string wholeText(bool noSound);
+std::string wholeText(bool noSound, const std::string& tour = quickTourText());
 
 // The lines of standard error that are not the libraries' messages about a picture or a driver.
 std::string unexpectedLines(const std::string& error);

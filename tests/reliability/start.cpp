@@ -152,6 +152,8 @@ private:
             }
             SDL_Surface* picture = front::real::IMG_Load(file);
             noteDamaged(picture);
+            report.damagedWidth = picture == nullptr ? 0 : picture->w;
+            report.damagedHeight = picture == nullptr ? 0 : picture->h;
             return picture;
         };
         hooks.SDL_UpperBlit = [this](SDL_Surface* from, SDL_Rect* part, SDL_Surface* to,

@@ -37,8 +37,9 @@ struct Running {
 struct Report {
     bool damagedLoaded;  // the damaged file came back from the library, the last time it was asked
     int damagedLoads;
-    int damagedUses;   // drawings of it, or plays
-    int nothingDrawn;  // drawings of no picture
+    int damagedWidth, damagedHeight;  // of the damaged picture that came back, in pixels
+    int damagedUses;                  // drawings of it, or plays
+    int nothingDrawn;                 // drawings of no picture
     int frames;
     unsigned int soundSum;  // of all samples of the damaged sound, each of which was read
     int calls;              // whatever a test counts
