@@ -307,8 +307,10 @@ TEST_P(GameSounds, ThatAreMissingOrDamagedAreNotHeard) {
         expectUnheard(tour(data.path(), true), intact, file);
     }
     const std::vector<GameFile> sounds = namedFiles(true);
-    const auto isThis = [&](const GameFile& sound) { return sound.path == file; };
-    const size_t number = std::find_if(sounds.begin(), sounds.end(), isThis) - sounds.begin();
+    size_t number = 0;
+    while (number < sounds.size() && sounds[number].path != file) {
+        ++number;
+    }
     for (size_t i = 0; i < std::size(damages); ++i) {
         if (isComplete() || i == number % std::size(damages)) {
             SCOPED_TRACE(damages[i].first);
