@@ -123,7 +123,7 @@ Good Bye World!
 )";
 }
 
-// Laser and rocket fly past: three lines are not printed, and one of three explosions.
+// Laser and rocket fly past: three lines are not printed, one of them an explosion.
 std::string quickTourTextWithoutHits() {
     constexpr char HITS[] = R"(MyShot hits Target 3 widht deathFactor 1 -> target energy = 9
 MyShot hits Target 3 widht deathFactor 10 -> target energy = -1

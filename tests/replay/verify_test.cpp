@@ -402,6 +402,19 @@ TEST_F(VerifyTest, SeveralAtOnceAreToldInTheirOrder) {
     }
 }
 
+// With this many at a time, one nearly always begins while another thread allocates.
+TEST_F(VerifyTest, NoThreadHoldsUpTheGameOfAnother) {
+    constexpr int GAMES = 200;
+    const std::string layer = written("empty", "");
+    const std::string scenario = written("short.scenario", "frame 3 quit\n");
+    std::vector<std::string> words = {"verify", "--game",    "/bin/true", "--layer", layer,
+                                      "--data", folder.path, "--jobs",    "32"};
+    words.insert(words.end(), GAMES, scenario);
+    const ToolResult result = runTool(KRAVOLTIX_REPLAY, words);
+    EXPECT_EQ(result.status, 2) << result.error;
+    EXPECT_GE(std::count(result.output.begin(), result.output.end(), '\n'), GAMES);
+}
+
 TEST_F(VerifyTest, NoFileIsAMistake) {
     EXPECT_NE(verify({}).status, 0);
 }

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <initializer_list>
+#include <map>
 #include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -39,13 +40,51 @@ std::string findFile(std::initializer_list<const char*> places, const std::strin
     throw Trouble(what + " is not beside this program; name it with " + option);
 }
 
-void setVariable(const char* name, const std::string& value) {
-    if (value.empty()) {
-        unsetenv(name);
-    } else {
-        setenv(name, value.c_str(), 1);
+// The variables that a new process gets, those of this one with some of them changed.
+class Environment {
+public:
+    Environment() {
+        for (char** entry = environ; *entry != nullptr; ++entry) {
+            const std::string text = *entry;
+            const size_t end = text.find('=');
+            if (end != std::string::npos) {
+                variables[text.substr(0, end)] = text.substr(end + 1);
+            }
+        }
     }
-}
+
+    std::string get(const std::string& name) const {
+        const auto found = variables.find(name);
+        return found == variables.end() ? "" : found->second;
+    }
+
+    // An empty value takes the variable away.
+    void set(const std::string& name, const std::string& value) {
+        if (value.empty()) {
+            variables.erase(name);
+        } else {
+            variables[name] = value;
+        }
+    }
+
+    // A list whose last word for a thing counts.
+    void append(const std::string& name, const std::string& word) {
+        const std::string others = get(name);
+        set(name, others.empty() ? word : others + ":" + word);
+    }
+
+    std::vector<std::string> entries() const {
+        std::vector<std::string> result;
+        for (const auto& [name, value] : variables) {
+            result.push_back(name);
+            result.back().append("=").append(value);
+        }
+        return result;
+    }
+
+private:
+    std::map<std::string, std::string> variables;
+};
 
 std::string keptList(const std::vector<KeptFrame>& kept) {
     std::string list;
@@ -55,35 +94,41 @@ std::string keptList(const std::vector<KeptFrame>& kept) {
     return list;
 }
 
-// The game fills 160 MB when it starts. In large pages that takes half the time of a short game.
-void askForLargePages() {
-    const char* tunables = std::getenv("GLIBC_TUNABLES");
-    setVariable("GLIBC_TUNABLES", (tunables == nullptr ? "" : std::string(tunables) + ":") +
-                                      "glibc.malloc.hugetlb=1");
+std::vector<std::string> environmentOf(const Place& place, const GameRun& run) {
+    Environment variables;
+    const std::string others = variables.get("LD_PRELOAD");
+    variables.set("LD_PRELOAD", place.preload + (others.empty() ? "" : ":" + others));
+    variables.set("KRAVOLTIX_SCENARIO",
+                  run.script.empty() ? "" : fs::absolute(run.script).string());
+    variables.set("KRAVOLTIX_RECORD",
+                  run.recordTo.empty() ? "" : fs::absolute(run.recordTo).string());
+    variables.set("KRAVOLTIX_KEEP", keptList(run.kept));
+    variables.set("KRAVOLTIX_SPEED", run.speed > 0 ? std::to_string(run.speed) : "");
+    variables.set("KRAVOLTIX_FILM", run.filmTo >= 0 ? std::to_string(run.filmTo) : "");
+    variables.set("KRAVOLTIX_FILM_RATE", std::to_string(run.filmRate));
+    variables.set("KRAVOLTIX_CALLS", "");
+    variables.set("KRAVOLTIX_PICTURES", fs::current_path().string());
+    // A game built with the address sanitizer refuses libraries in front of its own.
+    variables.append("ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0");
+    if (!run.seen) {
+        variables.set("SDL_VIDEODRIVER", "dummy");
+        variables.set("SDL_AUDIODRIVER", "dummy");
+        // The game fills 160 MB when it starts. In large pages that takes half the time of a short
+        // game.
+        variables.append("GLIBC_TUNABLES", "glibc.malloc.hugetlb=1");
+    }
+    return variables.entries();
 }
 
-void setEnvironment(const Place& place, const GameRun& run) {
-    const std::string others =
-        std::getenv("LD_PRELOAD") == nullptr ? "" : std::getenv("LD_PRELOAD");
-    setVariable("LD_PRELOAD", place.preload + (others.empty() ? "" : ":" + others));
-    setVariable("KRAVOLTIX_SCENARIO", run.script.empty() ? "" : fs::absolute(run.script).string());
-    setVariable("KRAVOLTIX_RECORD",
-                run.recordTo.empty() ? "" : fs::absolute(run.recordTo).string());
-    setVariable("KRAVOLTIX_KEEP", keptList(run.kept));
-    setVariable("KRAVOLTIX_SPEED", run.speed > 0 ? std::to_string(run.speed) : "");
-    setVariable("KRAVOLTIX_FILM", run.filmTo >= 0 ? std::to_string(run.filmTo) : "");
-    setVariable("KRAVOLTIX_FILM_RATE", std::to_string(run.filmRate));
-    setVariable("KRAVOLTIX_CALLS", "");
-    setVariable("KRAVOLTIX_PICTURES", fs::current_path().string());
-    // A game built with the address sanitizer refuses libraries in front of its own.
-    const char* sanitizer = std::getenv("ASAN_OPTIONS");
-    setVariable("ASAN_OPTIONS", (sanitizer == nullptr ? "" : std::string(sanitizer) + ":") +
-                                    "verify_asan_link_order=0:detect_leaks=0");
-    if (!run.seen) {
-        setVariable("SDL_VIDEODRIVER", "dummy");
-        setVariable("SDL_AUDIODRIVER", "dummy");
-        askForLargePages();
+// As exec takes them; they point into `words`.
+std::vector<char*> pointersTo(std::vector<std::string>& words) {
+    std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
+    for (std::string& word : words) {
+        pointers.push_back(word.data());
     }
+    pointers.push_back(nullptr);
+    return pointers;
 }
 
 void redirect(int from, int to) {
@@ -93,21 +138,34 @@ void redirect(int from, int to) {
     }
 }
 
-[[noreturn]] void becomeGame(const Place& place, const GameRun& run) {
-    setEnvironment(place, run);
-    if (run.quiet) {
-        redirect(open("/dev/null", O_WRONLY), STDOUT_FILENO);
-    }
-    std::vector<char*> arguments = {const_cast<char*>("kravoltix")};
-    for (const std::string& argument : run.arguments) {
-        arguments.push_back(const_cast<char*>(argument.c_str()));
-    }
-    arguments.push_back(nullptr);
+// Begins the game's process; `errors` names the file for its standard error, empty: this one's.
+// Several threads begin games at once, and in the new process a lock that another thread held stays
+// locked: all that allocates is done before, and between fork and exec are only calls that POSIX
+// allows there.
+pid_t begin(const Place& place, const GameRun& run, const std::string& errors = "") {
     const std::string program = fs::absolute(place.program).string();
-    if (chdir(place.data.c_str()) == 0) {
-        execv(program.c_str(), arguments.data());
+    std::vector<std::string> arguments = run.arguments;
+    arguments.insert(arguments.begin(), "kravoltix");
+    std::vector<std::string> environment = environmentOf(place, run);
+    const std::vector<char*> argumentPointers = pointersTo(arguments);
+    const std::vector<char*> environmentPointers = pointersTo(environment);
+    const pid_t process = fork();
+    if (process == 0) {
+        if (!errors.empty()) {
+            redirect(open(errors.c_str(), O_WRONLY | O_CREAT, 0600), STDERR_FILENO);
+        }
+        if (run.quiet) {
+            redirect(open("/dev/null", O_WRONLY), STDOUT_FILENO);
+        }
+        if (chdir(place.data.c_str()) == 0) {
+            execve(program.c_str(), argumentPointers.data(), environmentPointers.data());
+        }
+        _exit(STATUS_NOT_STARTED);
     }
-    _exit(STATUS_NOT_STARTED);
+    if (process < 0) {
+        throw Trouble(std::string("the game cannot be started: ") + std::strerror(errno));
+    }
+    return process;
 }
 
 std::string contentOf(const std::string& path) {
@@ -171,14 +229,7 @@ void complete(Place& place) {
 }
 
 int startGame(const Place& place, const GameRun& run) {
-    const pid_t process = fork();
-    if (process == 0) {
-        becomeGame(place, run);
-    }
-    if (process < 0) {
-        throw Trouble(std::string("the game cannot be started: ") + std::strerror(errno));
-    }
-    return process;
+    return begin(place, run);
 }
 
 GameResult waitForGame(int process) {
@@ -219,12 +270,7 @@ front::Recording playAgain(const Place& place, const std::string& path,
     run.recordTo = folder.path + "/again.kvx";
     run.kept = kept;
     const std::string errors = folder.path + "/errors.txt";
-    const pid_t process = fork();
-    if (process == 0) {
-        redirect(open(errors.c_str(), O_WRONLY | O_CREAT, 0600), STDERR_FILENO);
-        becomeGame(place, run);
-    }
-    const GameResult result = waitForGame(process);
+    const GameResult result = waitForGame(begin(place, run, errors));
     if (result.status == front::STATUS_BAD_SCRIPT || !fs::exists(run.recordTo)) {
         throw Trouble(layersMessage(contentOf(errors)));
     }
