@@ -2,6 +2,7 @@
 // kravoltix-corpus: plays games that are made of seeds, and compares what comes with a table.
 #include "corpus/seeded.h"
 #include "corpus/table.h"
+#include "front/streams.h"
 #include "replay/compare.h"
 #include "replay/game.h"
 
@@ -336,6 +337,7 @@ int run(int argc, char* argv[]) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    front::fillClosedStreams();
     // CLI11 throws when it is told of an option twice, which no user can bring about.
     try {
         return run(argc, argv);

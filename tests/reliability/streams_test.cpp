@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <pty.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -217,6 +218,47 @@ TEST(Streams, WhatIsPrintedToAClosedOneGoesNowhereElse) {
     EXPECT_EQ(end.signal, 0);
     EXPECT_EQ(end.status, 0);
     EXPECT_EQ(contentOf(sound).find("MyShip was born:"), std::string::npos);
+}
+
+// A recording and the list of calls are opened before the program begins, while the number of the closed
+// stream is free.
+TEST(Streams, WhatIsPrintedToAClosedOneIsWrittenDownLikeAnyOther) {
+    constexpr rlim_t MOST_BYTES = 16 << 20;
+    std::string recording;
+    std::string calls;
+    for (const std::vector<int>& descriptors : {std::vector<int>{},
+                                                {STDIN_FILENO},
+                                                {STDOUT_FILENO},
+                                                {STDOUT_FILENO, STDERR_FILENO},
+                                                {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}}) {
+        SCOPED_TRACE(std::to_string(descriptors.size()) + " closed");
+        const TemporaryFolder folder;
+        const std::string scenario = folder.path + "/scenario";
+        writeFile(scenario, TALK);
+        const pid_t child = fork();
+        if (child == 0) {
+            // A file that got the text that is read from it would grow for ever.
+            const rlimit limit = {MOST_BYTES, MOST_BYTES};
+            setrlimit(RLIMIT_FSIZE, &limit);
+            setenv("KRAVOLTIX_RECORD", (folder.path + "/recording").c_str(), 1);
+            setenv("KRAVOLTIX_CALLS", (folder.path + "/calls").c_str(), 1);
+            for (const int descriptor : descriptors) {
+                close(descriptor);
+            }
+            becomeProgram({}, scenario);
+        }
+        const ProgramEnd end = endOf(child);
+        EXPECT_EQ(end.signal, 0);
+        EXPECT_EQ(end.status, 0);
+        if (descriptors.empty()) {
+            recording = contentOf(folder.path + "/recording");
+            calls = contentOf(folder.path + "/calls");
+            EXPECT_FALSE(recording.empty());
+            EXPECT_FALSE(calls.empty());
+        }
+        EXPECT_TRUE(contentOf(folder.path + "/recording") == recording);
+        EXPECT_TRUE(contentOf(folder.path + "/calls") == calls);
+    }
 }
 
 // The program on a terminal, with the true clock; each line is read as it comes.

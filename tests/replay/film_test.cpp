@@ -257,6 +257,12 @@ TEST_F(Film, SaysFewLinesWhereNobodyWatches) {
         << output.text;
 }
 
+TEST_F(Film, IsTheSameWithoutStandardInput) {
+    film("stars open.mp4 --to 0.1");
+    film("stars closed.mp4 --to 0.1 <&-");
+    EXPECT_TRUE(contentOf(path("closed.mp4")) == contentOf(path("open.mp4")));
+}
+
 TEST_F(Film, SaysThatTheGameIsNotTheOneThatWasRecorded) {
     std::string text = recorded();
     const size_t check = text.find("pictures 1 ");

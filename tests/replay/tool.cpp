@@ -21,19 +21,21 @@ std::string asWord(const std::string& text) {
 
 }  // namespace
 
-ToolResult runTool(const std::string& program, const std::vector<std::string>& words) {
+ToolResult runTool(const std::string& program, const std::vector<std::string>& words,
+                   const std::string& streams) {
     const replay::TemporaryFolder folder;
     std::string command = asWord(program);
     for (const std::string& word : words) {
         command += ' ' + asWord(word);
     }
-    command += " >" + folder.path + "/output 2>" + folder.path + "/error";
+    command += " >" + folder.path + "/output 2>" + folder.path + "/error " + streams;
     const int state = std::system(command.c_str());
     return {WIFEXITED(state) ? WEXITSTATUS(state) : -1, bytesOf(folder.path + "/output"),
             bytesOf(folder.path + "/error")};
 }
 
-ToolResult runReplay(const std::string& verb, const std::vector<std::string>& words) {
+ToolResult runReplay(const std::string& verb, const std::vector<std::string>& words,
+                     const std::string& streams) {
     const replay::Place place = builtPlace();
     std::vector<std::string> all = {verb};
     all.insert(all.end(), words.begin(), words.end());
@@ -42,7 +44,7 @@ ToolResult runReplay(const std::string& verb, const std::vector<std::string>& wo
         all.insert(all.end(), {"--game", place.program});
     }
     all.insert(all.end(), {"--layer", place.preload, "--data", place.data});
-    return runTool(KRAVOLTIX_REPLAY, all);
+    return runTool(KRAVOLTIX_REPLAY, all, streams);
 }
 
 replay::Place builtPlace() {

@@ -14,11 +14,14 @@ struct ToolResult {
     std::string error;
 };
 
-// `program` and its words; each word reaches it as it is.
-ToolResult runTool(const std::string& program, const std::vector<std::string>& words);
+// `program` and its words; each word reaches it as it is. `streams` is what the shell is told besides,
+// to close some of them.
+ToolResult runTool(const std::string& program, const std::vector<std::string>& words,
+                   const std::string& streams = "");
 
 // kravoltix-replay with this verb, on the built game and the pictures of the corpus.
-ToolResult runReplay(const std::string& verb, const std::vector<std::string>& words);
+ToolResult runReplay(const std::string& verb, const std::vector<std::string>& words,
+                     const std::string& streams = "");
 
 // What that tool plays.
 replay::Place builtPlace();

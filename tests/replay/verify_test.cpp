@@ -402,6 +402,19 @@ TEST_F(VerifyTest, SeveralAtOnceAreToldInTheirOrder) {
     }
 }
 
+// As a daemon starts programs. The reason comes from the game's own standard error.
+TEST_F(VerifyTest, WithoutStreamsTheVerdictIsTheSame) {
+    const std::string scenario = written("wrong.scenario", "fail SDL_Nothing 1 no\n");
+    recorded();
+    for (const char* streams : {"", "<&-", "2>&-", "<&- 2>&-"}) {
+        SCOPED_TRACE(streams);
+        const ToolResult result = runReplay("verify", {path("game.kvx"), scenario}, streams);
+        expectVerdict(result, 2, "game.kvx: the same game: 260 pictures");
+        expectVerdict(result, 2, "SDL_Nothing is no function of the game that can fail");
+    }
+    EXPECT_EQ(runReplay("verify", {path("game.kvx")}, "<&- >&- 2>&-").status, 0);
+}
+
 // With this many at a time, one nearly always begins while another thread allocates.
 TEST_F(VerifyTest, NoThreadHoldsUpTheGameOfAnother) {
     constexpr int GAMES = 200;

@@ -3,6 +3,7 @@
 
 #include "front/front.h"
 #include "front/picture.h"
+#include "front/streams.h"
 
 #include <SDL_image.h>
 
@@ -91,6 +92,9 @@ Session::Session(const SessionOptions& wanted) : options(wanted) {
     }
     if (options.scripted) {
         clockMs = given.startMs;
+    }
+    if (!options.callsTo.empty() || !options.recordTo.empty()) {
+        fillClosedStreams();
     }
     if (!options.callsTo.empty() && !log.open(options.callsTo.c_str())) {
         stop(STATUS_BAD_SCRIPT, "cannot write " + options.callsTo);

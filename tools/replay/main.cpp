@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // kravoltix-replay: records, watches, proves, films and describes games.
 #include "front/session.h"
+#include "front/streams.h"
 #include "replay/film.h"
 #include "replay/game.h"
 #include "replay/moments.h"
@@ -216,6 +217,7 @@ int run(int argc, char* argv[]) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    front::fillClosedStreams();
     // CLI11 throws when it is told of an option twice, which no user can bring about.
     try {
         return run(argc, argv);
