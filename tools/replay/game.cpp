@@ -138,36 +138,6 @@ void redirect(int from, int to) {
     }
 }
 
-// Begins the game's process; `errors` names the file for its standard error, empty: this one's.
-// Several threads begin games at once, and in the new process a lock that another thread held stays
-// locked: all that allocates is done before, and between fork and exec are only calls that POSIX
-// allows there.
-pid_t begin(const Place& place, const GameRun& run, const std::string& errors = "") {
-    const std::string program = fs::absolute(place.program).string();
-    std::vector<std::string> arguments = run.arguments;
-    arguments.insert(arguments.begin(), "kravoltix");
-    std::vector<std::string> environment = environmentOf(place, run);
-    const std::vector<char*> argumentPointers = pointersTo(arguments);
-    const std::vector<char*> environmentPointers = pointersTo(environment);
-    const pid_t process = fork();
-    if (process == 0) {
-        if (!errors.empty()) {
-            redirect(open(errors.c_str(), O_WRONLY | O_CREAT, 0600), STDERR_FILENO);
-        }
-        if (run.quiet) {
-            redirect(open("/dev/null", O_WRONLY), STDOUT_FILENO);
-        }
-        if (chdir(place.data.c_str()) == 0) {
-            execve(program.c_str(), argumentPointers.data(), environmentPointers.data());
-        }
-        _exit(STATUS_NOT_STARTED);
-    }
-    if (process < 0) {
-        throw Trouble(std::string("the game cannot be started: ") + std::strerror(errno));
-    }
-    return process;
-}
-
 std::string contentOf(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     std::ostringstream content;
@@ -228,8 +198,33 @@ void complete(Place& place) {
     place.preload = nameForLinker(fs::absolute(place.preload).string());
 }
 
+// Several threads begin games at once, and in the new process a lock that another thread held stays
+// locked: all that allocates is done before, and between fork and exec are only calls that POSIX
+// allows there.
 int startGame(const Place& place, const GameRun& run) {
-    return begin(place, run);
+    const std::string program = fs::absolute(place.program).string();
+    std::vector<std::string> arguments = run.arguments;
+    arguments.insert(arguments.begin(), "kravoltix");
+    std::vector<std::string> environment = environmentOf(place, run);
+    const std::vector<char*> argumentPointers = pointersTo(arguments);
+    const std::vector<char*> environmentPointers = pointersTo(environment);
+    const pid_t process = fork();
+    if (process == 0) {
+        if (!run.errorsTo.empty()) {
+            redirect(open(run.errorsTo.c_str(), O_WRONLY | O_CREAT, 0600), STDERR_FILENO);
+        }
+        if (run.quiet) {
+            redirect(open("/dev/null", O_WRONLY), STDOUT_FILENO);
+        }
+        if (chdir(place.data.c_str()) == 0) {
+            execve(program.c_str(), argumentPointers.data(), environmentPointers.data());
+        }
+        _exit(STATUS_NOT_STARTED);
+    }
+    if (process < 0) {
+        throw Trouble(std::string("the game cannot be started: ") + std::strerror(errno));
+    }
+    return process;
 }
 
 GameResult waitForGame(int process) {
@@ -269,10 +264,10 @@ front::Recording playAgain(const Place& place, const std::string& path,
     run.arguments = readFile(path, true).given.arguments;
     run.recordTo = folder.path + "/again.kvx";
     run.kept = kept;
-    const std::string errors = folder.path + "/errors.txt";
-    const GameResult result = waitForGame(begin(place, run, errors));
+    run.errorsTo = folder.path + "/errors.txt";
+    const GameResult result = runGame(place, run);
     if (result.status == front::STATUS_BAD_SCRIPT || !fs::exists(run.recordTo)) {
-        throw Trouble(layersMessage(contentOf(errors)));
+        throw Trouble(layersMessage(contentOf(run.errorsTo)));
     }
     front::Recording again;
     std::string error;

@@ -36,6 +36,7 @@ struct GameRun {
     std::string script;                  // recording or scenario; empty: the player plays
     std::vector<std::string> arguments;  // of the game
     std::string recordTo;
+    std::string errorsTo;         // file for its standard error; empty: this process's own
     std::vector<KeptFrame> kept;  // in the order of their frames
     bool seen = false;            // in the player's window and with sound; else without both
     bool quiet = true;            // the game's text is dropped
@@ -45,15 +46,14 @@ struct GameRun {
 };
 
 struct GameResult {
-    int status = 0;      // exit status, or -1 after a signal
-    int signal = 0;      // that ended the game, or 0
-    std::string errors;  // what it wrote to standard error, when it was run without a window
+    int status = 0;  // exit status, or -1 after a signal
+    int signal = 0;  // that ended the game, or 0
 };
 
 // Runs a game to its end.
 GameResult runGame(const Place& place, const GameRun& run);
 
-// The same without waiting; wait() then. The caller may close its filmTo in between.
+// The same without waiting; waitForGame() then. The caller may close its filmTo in between.
 int startGame(const Place& place, const GameRun& run);
 GameResult waitForGame(int process);
 
